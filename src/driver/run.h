@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+namespace vorlan {
+
+/// One run of the program, from the banner to the closing words. Takes the arguments of main and
+/// returns its result: see driver/exit_status.h.
+int run(int argc, const char* const* argv);
+
+}  // namespace vorlan

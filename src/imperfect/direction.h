@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+#include "search/csat.h"
+
+namespace vorlan {
+
+/// The unit that a repeat is aligned with. A cursor points at one of its bases and goes round it.
+struct UnitSpan {
+  const char* begin;
+  const char* end;
+
+  std::ptrdiff_t length() const { return end - begin; }
+};
+
+/// The right end of a repeat and how it moves. A place is the boundary in front of the residue to
+/// be aligned next; `stop` is the boundary that has none.
+struct Forward {
+  static bool at_stop(const char* place, const char* stop) { return place == stop; }
+  static const char* residue(const char* place) { return place; }
+  static const char* next(const char* place) { return place + 1; }
+  static const char* next_unit_base(const char* cursor, UnitSpan unit) {
+    return cursor + 1 == unit.end ? unit.begin : cursor + 1;
+  }
+  static const char*& place(Csat& sat) { return sat.pos_right; }
+  static const char*& cursor(Csat& sat) { return sat.unit_cursor_fwd; }
+};
+
+/// The left end, the mirror image: the residue to be aligned next is the one left of the place.
+struct Backward {
+  static bool at_stop(const char* place, const char* stop) { return place == stop; }
+  static const char* residue(const char* place) { return place - 1; }
+  static const char* next(const char* place) { return place - 1; }
+  static const char* next_unit_base(const char* cursor, UnitSpan unit) {
+    return cursor == unit.begin ? unit.end - 1 : cursor - 1;
+  }
+  static const char*& place(Csat& sat) { return sat.pos_left; }
+  static const char*& cursor(Csat& sat) { return sat.unit_cursor_bwd; }
+};
+
+}  // namespace vorlan

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "input/csequence_mol.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+namespace vorlan {
+namespace {
+
+// What a byte of a residue line stands for: a base that is stored as it is in the table, or one of
+// these.
+constexpr char kMalformed = 0;
+constexpr char kSkipped = ' ';
+constexpr char kAmbiguous = '?';
+
+constexpr std::array<char, 256> residue_codes() {
+  std::array<char, 256> codes{};
+  const auto set_both_cases = [&codes](char letter, char code) {
+    codes[static_cast<unsigned char>(letter)] = code;
+    if (letter >= 'A' && letter <= 'Z')
+      codes[static_cast<unsigned char>(letter - 'A' + 'a')] = code;
+  };
+  for (const char base : std::string_view("ACGT")) set_both_cases(base, base);
+  set_both_cases('U', 'T');
+  for (const char letter : std::string_view("NXRYKMSWBDHV?")) set_both_cases(letter, kAmbiguous);
+  for (const char gap : std::string_view(" \t\n\v\f\r-*")) set_both_cases(gap, kSkipped);
+  return codes;
+}
+
+constexpr std::array<char, 256> kResidueCodes = residue_codes();
+
+// The white space of the C locale, whatever locale the process runs in.
+bool is_space(char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
+
+}  // namespace
+
+CSequence_Mol::CSequence_Mol(std::uint32_t molecule_type, std::uint32_t reserved_residues)
+    : type(molecule_type) {
+  residues.reserve(reserved_residues);
+}
+
+void CSequence_Mol::readFastaSequence(CFile& file) {
+  header.size = 0;
+  residues.size = 0;
+  too_long = false;
+  if (first_character_of_record(file) != '>') {
+    file.set_malformed();
+    return;
+  }
+  if (!read_header(file)) return;
+  split_header();
+
+  // A '>' ends the record only as the first character of a line; it stays for the next call.
+  for (char next = file.peekchar(); !file.fail() && next != '>'; next = file.peekchar()) {
+    if (type != kDna) {
+      std::puts("Not implemented.");
+      file.set_malformed();
+      return;
+    }
+    read_residue_line(file);
+  }
+}
+
+// The first character that is neither white space nor part of a comment line.
+char CSequence_Mol::first_character_of_record(CFile& file) {
+  const auto next_visible = [&file] {
+    char ch = file.getchar();
+    while (!file.fail() && is_space(ch)) ch = file.getchar();
+    return ch;
+  };
+  char ch = next_visible();
+  while (!file.fail() && ch == '#') {
+    while (file.good() && file.getchar() != '\n') {
+    }
+    ch = next_visible();
+  }
+  return ch;
+}
+
+// Returns false when the file ends right after the '>': the record then keeps the name of the
+// record before it.
+bool CSequence_Mol::read_header(CFile& file) {
+  for (char ch = file.getchar(); ch != '\n'; ch = file.getchar()) {
+    if (file.fail()) {
+      if (header.size == 0) return false;
+      file.clear_fail();
+      return true;
+    }
+    header.push_back(ch);
+  }
+  return true;
+}
+
+// A header without a blank leaves the description of the record before in place.
+void CSequence_Mol::split_header() {
+  const std::string_view line = header.view();
+  const std::size_t name_end = line.find(' ');
+  name.assign(line.substr(0, name_end));
+  if (name_end == std::string_view::npos) return;
+  const std::size_t description_begin = line.find_first_not_of(' ', name_end);
+  description.assign(description_begin == std::string_view::npos ? std::string_view()
+                                                                 : line.substr(description_begin));
+}
+
+void CSequence_Mol::read_residue_line(CFile& file) {
+  for (char ch = file.getchar(); ch != '\n' && !file.fail(); ch = file.getchar()) {
+    const char code = kResidueCodes[static_cast<unsigned char>(ch)];
+    if (code == kSkipped) continue;
+    too_long = code != kMalformed && residues.size == kMaxResidues;
+    if (code == kMalformed || too_long) {
+      file.set_malformed();
+      return;
+    }
+    residues.push_back(code == kAmbiguous ? ambiguity_char : code);
+  }
+}
+
+}  // namespace vorlan

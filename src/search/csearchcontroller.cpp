@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "search/csearchcontroller.h"
+
+#include "config/settings.h"
+
+namespace vorlan {
+namespace {
+
+/// A seed of the extend-exact mode has at least this score, or its unit length when that is more.
+constexpr int kSmallestSeedScore = 4;
+
+/// The clock is read once for this many start positions.
+constexpr std::ptrdiff_t kPositionsPerProgressCheck = 256;
+
+}  // namespace
+
+const UnitLengthThresholds* CSearchController::minScores = nullptr;
+const UnitLengthThresholds* CSearchController::minLengths = nullptr;
+std::optional<UnitLengthThresholds> CSearchController::minScores_user;
+std::optional<UnitLengthThresholds> CSearchController::minLengths_user;
+std::optional<UnitLengthThresholds> CSearchController::minScores_intern;
+std::optional<UnitLengthThresholds> CSearchController::minLengths_intern;
+
+CSearchController::CSearchController(unsigned number, CSequence_Mol& molecule,
+                                     const SearchConsole& console)
+    : sequence_number(number),
+      sequence(molecule),
+      exact_sats(sat_alloc),
+      imperfect_sats(sat_alloc),
+      console_(console) {
+  if (!minScores_user) {
+    minScores_user.emplace(global_min_score, global_min_score_a, global_min_score_bx);
+    minLengths_user.emplace(global_min_length, global_min_length_a, global_min_length_bx);
+    minScores_intern = UnitLengthThresholds::at_least_unit_length(kSmallestSeedScore);
+    minLengths_intern.emplace(0, 0, 0.0F);
+  }
+  minScores = &*minScores_user;
+  minLengths = &*minLengths_user;
+}
+
+void CSearchController::reset_minimum_arrays() {
+  minScores_user.reset();
+  minLengths_user.reset();
+  minScores_intern.reset();
+  minLengths_intern.reset();
+  minScores = nullptr;
+  minLengths = nullptr;
+}
+
+void CSearchController::report_progress(const char* start, unsigned unit_length) {
+  if ((start - seq_begin()) % kPositionsPerProgressCheck != 0) return;
+  if (!console_.check_report_status()) return;
+  console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
+}
+
+}  // namespace vorlan

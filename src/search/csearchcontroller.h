@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+#include <cstdio>
+#include <list>
+#include <optional>
+
+#include "input/csequence_mol.h"
+#include "search/canchorseq.h"
+#include "search/csat.h"
+#include "search/search_console.h"
+#include "search/thresholds.h"
+
+namespace vorlan {
+
+/// The search of one sequence: a view of it, the repeats found in it, and the three ways of
+/// searching. Construct one for each record, call one search, then `remove_hidden` and
+/// `report_SATList` on the list that the search filled, and destroy it, which recycles all records.
+///
+/// Positions are pointers into `sequence.residues`, which must outlive the controller unchanged.
+class CSearchController {
+ public:
+  /// `sequence_number` counts the records of the input from 1; it and the name of the sequence
+  /// appear in progress lines. The first construction of a run sets the thresholds from the
+  /// settings; later ones keep them.
+  CSearchController(unsigned sequence_number, CSequence_Mol& sequence,
+                    const SearchConsole& console = {});
+
+  /// Forgets the thresholds; the next construction takes them from the settings again.
+  static void reset_minimum_arrays();
+
+  /// Finds the perfect repeats of every unit length in range, sorted, into `exact_sats`.
+  void exact_search_2();
+
+  /// Finds perfect seeds and extends each to an imperfect repeat. The accepted ones are in
+  /// `imperfect_sats`, sorted; `exact_sats` is empty afterwards. Several seeds of one repeat give
+  /// several records: overlap removal sorts that out.
+  void search_exact_and_extend_to_imperfect_repeats();
+
+  /// Tries every position and unit length as a seed of an imperfect repeat. The accepted ones are
+  /// in `imperfect_sats`, sorted. The stream is not used.
+  void complete_imperfect_search(std::FILE* out);
+
+  /// Thins a sorted list: of two repeats of which one is mostly hidden by the other, the one with
+  /// the lower score goes, or the later one. Does nothing unless `global_remove_mostly_hidden`.
+  void remove_hidden(CsatContainer& sats);
+
+  /// Writes the block of this sequence: header, an entry for each repeat of the list, footer; then
+  /// flushes. See output/report.h.
+  void report_SATList(std::FILE* stream, std::list<Csat*> sats);
+
+  /// Extends `sat` to the right, up to `seq_end`, one past the last residue, over mismatches,
+  /// insertions, deletions and short N runs. Leaves the best alignment found in `sat`.
+  void extend_imperfect_forward(Csat& sat, const char* seq_end);
+
+  /// The mirror image: extends to the left, down to and including the first residue `seq_begin`.
+  void extend_imperfect_backward(Csat& sat, const char* seq_begin);
+
+  unsigned sequence_number;
+  CSequence_Mol& sequence;
+  CsatContainer exact_sats;
+  CsatContainer imperfect_sats;
+
+  /// The active thresholds: those of the user, or, while extend-exact mode collects its seeds, the
+  /// program's own. Null before the first construction.
+  static const UnitLengthThresholds* minScores;
+  static const UnitLengthThresholds* minLengths;
+
+  static std::optional<UnitLengthThresholds> minScores_user;
+  static std::optional<UnitLengthThresholds> minLengths_user;
+  static std::optional<UnitLengthThresholds> minScores_intern;
+  static std::optional<UnitLengthThresholds> minLengths_intern;
+
+ private:
+  const char* seq_begin() const { return sequence.residues.buf; }
+  const char* seq_end() const { return sequence.residues.buf + sequence.residues.size; }
+  std::size_t seq_length() const { return sequence.residues.size; }
+
+  void exact_search_for_unit_length_1();
+  void exact_search_for_unit_length(unsigned unit_length, CAnchorSeq& mask);
+  void close_repeat_in_mask(const Csat& sat, CAnchorSeq& mask) const;
+
+  void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& results);
+  void one_unit_len_complete_imperfect_search(unsigned unit_len, CAnchorSeq& anchors,
+                                              std::list<Csat*>& results);
+  void try_candidate(const char* start, unsigned unit_len, SpareSat& spare, CAnchorSeq& anchors,
+                     std::list<Csat*>& results);
+
+  /// Shows a progress line when `start` is one of every 256 positions and a line is due.
+  void report_progress(const char* start, unsigned unit_length);
+
+  SearchConsole console_;
+};
+
+}  // namespace vorlan

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The search for perfect repeats.
+//
+// Idea: take each stretch of u bases as a unit and extend it in both directions as long as the
+// sequence goes on with it. Short N runs are bridged: they take the place of unit bases and score
+// 0.
+//
+// Invariant: once a repeat has been reported, its span is closed in the mask, so that starts inside
+// it are passed over for this and for longer units. ATAT is therefore never tried inside a repeat
+// of AT. Repeats that are kept but would not be printed leave the mask open and are found again
+// from each start inside them, every time with another phase of the unit.
+//
+// Example, u = 2: in GACACACT the start at the first A gives the unit AC, extended to ACACAC: 6
+// bases, of which the first copy earns nothing: score 4. The starts inside it are closed.
+
+#include <algorithm>
+
+#include "config/settings.h"
+#include "search/csearchcontroller.h"
+#include "search/unit_scan.h"
+
+namespace vorlan {
+namespace {
+
+/// Extends a candidate to the maximal perfect repeat around it.
+class PerfectExtension {
+ public:
+  PerfectExtension(const char* seq_begin, const char* seq_end)
+      : seq_begin_(seq_begin),
+        seq_end_(seq_end),
+        longest_N_run_(global_treat_Ns_as_missense ? 0 : global_Ns_allowed_in_a_row) {}
+
+  void extend(Csat& sat) const {
+    while (extend_right(sat)) {
+    }
+    while (extend_left(sat)) {
+    }
+    sat.trim_Ns();
+  }
+
+ private:
+  bool extend_right(Csat& sat) const {
+    if (sat.pos_right == seq_end_) return false;
+    if (*sat.pos_right == *sat.unit_cursor_fwd) {
+      advance_right(sat);
+      ++sat.score;
+      return true;
+    }
+    const char* run_end = std::find_if_not(sat.pos_right, seq_end_, is_N);
+    return bridge(sat, run_end - sat.pos_right, advance_right);
+  }
+
+  bool extend_left(Csat& sat) const {
+    if (sat.pos_left == seq_begin_) return false;
+    if (sat.pos_left[-1] == *sat.unit_cursor_bwd) {
+      advance_left(sat);
+      ++sat.score;
+      return true;
+    }
+    const char* run_begin = sat.pos_left;
+    while (run_begin != seq_begin_ && is_N(run_begin[-1])) --run_begin;
+    return bridge(sat, sat.pos_left - run_begin, advance_left);
+  }
+
+  bool bridge(Csat& sat, std::ptrdiff_t run_length, void (*advance)(Csat&)) const {
+    if (run_length == 0 || run_length > longest_N_run_) return false;
+    for (std::ptrdiff_t i = 0; i < run_length; ++i) advance(sat);
+    sat.num_Ns += static_cast<std::uint32_t>(run_length);
+    return true;
+  }
+
+  static bool is_N(char residue) { return residue == 'N'; }
+
+  static void advance_right(Csat& sat) {
+    ++sat.pos_right;
+    sat.unit_cursor_fwd = sat.next_unit_base(sat.unit_cursor_fwd);
+  }
+
+  static void advance_left(Csat& sat) {
+    --sat.pos_left;
+    sat.unit_cursor_bwd = sat.previous_unit_base(sat.unit_cursor_bwd);
+  }
+
+  const char* seq_begin_;
+  const char* seq_end_;
+  std::ptrdiff_t longest_N_run_;
+};
+
+}  // namespace
+
+// Each repeat ends the run of its base, so the scan goes on behind it and needs no mask.
+void CSearchController::exact_search_for_unit_length_1() {
+  const PerfectExtension extension(seq_begin(), seq_end());
+  const int min_score = (*minScores)[1];
+  const int min_length = (*minLengths)[1];
+  const auto skip_Ns = [this](const char* from) {
+    return std::find_if(from, seq_end(), [](char residue) { return residue != 'N'; });
+  };
+  SpareSat spare;
+  // The last base is never a start: nothing could follow it.
+  for (const char* start = skip_Ns(seq_begin()); seq_end() - start > 1; start = skip_Ns(start)) {
+    report_progress(start, 1);
+    Csat& sat = spare.candidate(start, start + 1);
+    extension.extend(sat);
+    if (sat.reaches(min_score, min_length)) {
+      exact_sats.push_back(spare.release());
+      start = sat.pos_right;
+    } else {
+      ++start;
+    }
+  }
+}
+
+void CSearchController::exact_search_for_unit_length(unsigned unit_length, CAnchorSeq& mask) {
+  const PerfectExtension extension(seq_begin(), seq_end());
+  const int min_score = (*minScores)[unit_length];
+  const int min_length = (*minLengths)[unit_length];
+  UnitScan scan(seq_begin(), seq_end(), mask, unit_length);
+  SpareSat spare;
+  for (const char* start = seq_begin(); scan.has_room(start); ++start) {
+    report_progress(start, unit_length);
+    if (!scan.is_candidate(start)) continue;
+    Csat& sat = spare.candidate(start, start + unit_length);
+    extension.extend(sat);
+    if (!sat.reaches(min_score, min_length)) continue;
+    close_repeat_in_mask(sat, mask);
+    exact_sats.push_back(spare.release());
+  }
+}
+
+// Only a repeat that the user will see closes its span. For seeds of the extend-exact mode the
+// thresholds of the user differ from the active ones.
+void CSearchController::close_repeat_in_mask(const Csat& sat, CAnchorSeq& mask) const {
+  const unsigned unit_length = sat.unit_length();
+  if (!sat.reaches((*minScores_user)[unit_length], (*minLengths_user)[unit_length])) return;
+  const float perfection = sat.perfection();
+  if (global_min_perfection <= perfection && perfection <= global_max_perfection) mask.close(sat);
+}
+
+void CSearchController::exact_search_2() {
+  unsigned unit_length = global_min_unit_length;
+  if (unit_length == 1) {
+    exact_search_for_unit_length_1();
+    unit_length = 2;
+  }
+  CAnchorSeq mask(seq_begin(), seq_length());
+  // A unit length that is not shorter than the sequence has no candidates, nor has any above it.
+  for (; unit_length <= global_max_unit_length && unit_length < seq_length(); ++unit_length) {
+    exact_search_for_unit_length(unit_length, mask);
+  }
+  exact_sats.sort(lessThan_sat);
+}
+
+}  // namespace vorlan
