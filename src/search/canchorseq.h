@@ -4,49 +4,71 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
+#include <cstdint>
+#include <vector>
 
 #include "search/csat.h"
 
 namespace vorlan {
 
 /// The marks of one sequence ("anchor sequence"): for each residue whether it may still anchor a
-/// candidate or lies inside a repeat that was found. One byte per residue; the position before the
-/// first residue and the one after the last have marks, too, which are always open.
+/// candidate (open) or lies inside a repeat that was found (closed). What lies outside the sequence
+/// is always open. One bit per residue.
 class CAnchorSeq {
  public:
+  static constexpr std::ptrdiff_t kBitsPerWord = 64;
+
   /// All marks open. Throws std::bad_alloc.
   CAnchorSeq(const char* seq_begin, std::size_t seq_len);
 
   /// Opens all marks.
   void reset();
 
-  /// Whether the residue `position` may anchor a candidate.
-  bool is_open(const char* position) const { return marks[position - seq_begin] == kOpen; }
-
-  /// Whether the stretch [start, start + unit_length) may be tried as a unit: of the four positions
-  /// before and after its two ends, two that belong to the same end of a shifted copy are open.
-  /// Requires that the stretch lies inside the sequence.
-  bool may_anchor(const char* start, std::size_t unit_length) const {
-    const char* first = marks + (start - seq_begin);
-    const char* after = first + unit_length;
-    const bool last_open = after[-1] == kOpen;
-    return (first[0] == kOpen && (last_open || after[0] == kOpen)) ||
-           (first[-1] == kOpen && last_open);
+  /// The 64 starts from residue `word` * 64 on whose stretch of `unit_length` residues may be tried
+  /// as a unit, one bit for each: of the four marks before and behind its two ends, two that belong
+  /// to one and the same shift of it are open. Bits for starts without room in the sequence are
+  /// without meaning. Requires that the first of the starts has room.
+  std::uint64_t may_anchor(std::ptrdiff_t word, std::size_t unit_length) const {
+    const auto position = word * kBitsPerWord;
+    const std::uint64_t first = marks_from(position);
+    const std::uint64_t before = marks_from(position - 1);
+    const auto end = position + static_cast<std::ptrdiff_t>(unit_length);
+    const std::uint64_t last = marks_from(end - 1);
+    const std::uint64_t after = marks_from(end);
+    return (first & (last | after)) | (before & last);
   }
 
-  /// Closes the span of `sat` and opens its edit positions again, so that overlapping alternatives
-  /// can start there: even where they lie inside another repeat.
+  /// Closes the residues of [begin, end).
+  void close(const char* begin, const char* end);
+
+  /// Opens the mark of one residue.
+  void open(const char* residue) {
+    const std::size_t bit = bit_of(residue);
+    words_[bit / kBitsPerWord] |= std::uint64_t{1} << bit % kBitsPerWord;
+  }
+
+  /// Closes the span of `sat` and opens its edit positions, so that overlapping alternatives can
+  /// start there: even where they lie inside another repeat.
   void close(const Csat& sat);
 
  private:
-  static constexpr char kOpen = 'a';
-  static constexpr char kClosed = ' ';
+  /// Words that belong to positions before the sequence; one position of them is ever asked for.
+  static constexpr std::ptrdiff_t kWordsBefore = 1;
 
-  const char* seq_begin;
-  std::size_t seq_len;
-  std::unique_ptr<char[]> mark_buf;
-  char* marks;  ///< The mark of residue p is marks[p - seq_begin], for offsets -1 to seq_len.
+  std::size_t bit_of(const char* residue) const {
+    return static_cast<std::size_t>(residue - seq_begin_ + kWordsBefore * kBitsPerWord);
+  }
+
+  /// The marks of 64 positions from `position` on.
+  std::uint64_t marks_from(std::ptrdiff_t position) const {
+    const auto bit = static_cast<std::size_t>(position + kWordsBefore * kBitsPerWord);
+    const std::size_t shift = bit % kBitsPerWord;
+    const std::uint64_t* word = words_.data() + bit / kBitsPerWord;
+    return (word[0] >> shift) | ((word[1] << 1) << (kBitsPerWord - 1 - shift));
+  }
+
+  const char* seq_begin_;
+  std::vector<std::uint64_t> words_;
 };
 
 }  // namespace vorlan

@@ -3,6 +3,8 @@
 
 #include "search/csearchcontroller.h"
 
+#include <algorithm>
+
 #include "config/settings.h"
 
 namespace vorlan {
@@ -49,10 +51,20 @@ void CSearchController::reset_minimum_arrays() {
   minLengths = nullptr;
 }
 
-void CSearchController::report_progress(const char* start, unsigned unit_length) {
-  if ((start - seq_begin()) % kPositionsPerProgressCheck != 0) return;
-  if (!console_.check_report_status()) return;
-  console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
+unsigned CSearchController::longest_unit() const {
+  const std::size_t shorter_than_sequence = std::max<std::size_t>(seq_length(), 1) - 1;
+  return static_cast<unsigned>(
+      std::min<std::size_t>(global_max_unit_length, shorter_than_sequence));
+}
+
+void CSearchController::report_progress(std::ptrdiff_t begin, std::ptrdiff_t end,
+                                        unsigned unit_length) {
+  const std::ptrdiff_t first = (begin + kPositionsPerProgressCheck - 1) /
+                               kPositionsPerProgressCheck * kPositionsPerProgressCheck;
+  for (std::ptrdiff_t start = first; start < end; start += kPositionsPerProgressCheck) {
+    if (!console_.check_report_status()) continue;
+    console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
+  }
 }
 
 }  // namespace vorlan

@@ -8,12 +8,14 @@
 #include <optional>
 
 #include "input/csequence_mol.h"
-#include "search/canchorseq.h"
 #include "search/csat.h"
 #include "search/search_console.h"
 #include "search/thresholds.h"
 
 namespace vorlan {
+
+class BitPlanes;
+class CAnchorSeq;
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
 /// searching. Construct one for each record, call one search, then `remove_hidden` and
@@ -78,18 +80,21 @@ class CSearchController {
   const char* seq_end() const { return sequence.residues.buf + sequence.residues.size; }
   std::size_t seq_length() const { return sequence.residues.size; }
 
-  void exact_search_for_unit_length_1();
-  void exact_search_for_unit_length(unsigned unit_length, CAnchorSeq& mask);
-  void close_repeat_in_mask(const Csat& sat, CAnchorSeq& mask) const;
+  /// The longest unit that has candidates: it is shorter than the sequence.
+  unsigned longest_unit() const;
 
-  void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& results);
-  void one_unit_len_complete_imperfect_search(unsigned unit_len, CAnchorSeq& anchors,
-                                              std::list<Csat*>& results);
-  void try_candidate(const char* start, unsigned unit_len, SpareSat& spare, CAnchorSeq& anchors,
+  void exact_search_for_unit_length(unsigned unit_length, const BitPlanes& planes,
+                                    CAnchorSeq& mask);
+  bool is_shown(const Csat& sat) const;
+
+  void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
+                                              CAnchorSeq& anchors, std::list<Csat*>& results);
+  bool try_candidate(const char* start, unsigned unit_len, SpareSat& spare, CAnchorSeq& anchors,
                      std::list<Csat*>& results);
 
-  /// Shows a progress line when `start` is one of every 256 positions and a line is due.
-  void report_progress(const char* start, unsigned unit_length);
+  /// Shows a progress line for each of the starts [begin, end) that is one of every 256 positions,
+  /// if a line is due.
+  void report_progress(std::ptrdiff_t begin, std::ptrdiff_t end, unsigned unit_length);
 
   SearchConsole console_;
 };

@@ -18,7 +18,11 @@
 #include <algorithm>
 
 #include "config/settings.h"
+#include "search/bit_planes.h"
+#include "search/canchorseq.h"
 #include "search/csearchcontroller.h"
+#include "search/exact_filter.h"
+#include "search/start_block.h"
 #include "search/unit_scan.h"
 
 namespace vorlan {
@@ -90,65 +94,53 @@ class PerfectExtension {
 
 }  // namespace
 
-// Each repeat ends the run of its base, so the scan goes on behind it and needs no mask.
-void CSearchController::exact_search_for_unit_length_1() {
-  const PerfectExtension extension(seq_begin(), seq_end());
-  const int min_score = (*minScores)[1];
-  const int min_length = (*minLengths)[1];
-  const auto skip_Ns = [this](const char* from) {
-    return std::find_if(from, seq_end(), [](char residue) { return residue != 'N'; });
-  };
-  SpareSat spare;
-  // The last base is never a start: nothing could follow it.
-  for (const char* start = skip_Ns(seq_begin()); seq_end() - start > 1; start = skip_Ns(start)) {
-    report_progress(start, 1);
-    Csat& sat = spare.candidate(start, start + 1);
-    extension.extend(sat);
-    if (sat.reaches(min_score, min_length)) {
-      exact_sats.push_back(spare.release());
-      start = sat.pos_right;
-    } else {
-      ++start;
-    }
-  }
-}
-
-void CSearchController::exact_search_for_unit_length(unsigned unit_length, CAnchorSeq& mask) {
+// The scan of unit length 1 goes on behind each repeat it finds, and leaves no marks. Longer units
+// are kept out of repeats by the marks alone.
+void CSearchController::exact_search_for_unit_length(unsigned unit_length, const BitPlanes& planes,
+                                                     CAnchorSeq& mask) {
   const PerfectExtension extension(seq_begin(), seq_end());
   const int min_score = (*minScores)[unit_length];
   const int min_length = (*minLengths)[unit_length];
-  UnitScan scan(seq_begin(), seq_end(), mask, unit_length);
+  const ExactFilter filter(planes, unit_length, min_score);
+  UnitScan scan(seq_begin(), seq_end(), unit_length);
   SpareSat spare;
-  for (const char* start = seq_begin(); scan.has_room(start); ++start) {
-    report_progress(start, unit_length);
-    if (!scan.is_candidate(start)) continue;
-    Csat& sat = spare.candidate(start, start + unit_length);
-    extension.extend(sat);
-    if (!sat.reaches(min_score, min_length)) continue;
-    close_repeat_in_mask(sat, mask);
-    exact_sats.push_back(spare.release());
+  const char* next_start = seq_begin();
+  for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
+    StartBlock block(begin, scan.starts());
+    report_progress(block.begin(), block.end(), unit_length);
+    block.collect(begin, unit_length, mask, planes, filter);
+    for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
+      const char* start = seq_begin() + offset;
+      if (start < next_start || !scan.is_unit(start)) continue;
+      Csat& sat = spare.candidate(start, start + unit_length);
+      extension.extend(sat);
+      if (!sat.reaches(min_score, min_length)) continue;
+      exact_sats.push_back(spare.release());
+      if (unit_length == 1) {
+        next_start = sat.pos_right;
+      } else if (is_shown(sat)) {
+        mask.close(sat);
+        block.collect(offset + 1, unit_length, mask, planes, filter);
+      }
+    }
   }
 }
 
 // Only a repeat that the user will see closes its span. For seeds of the extend-exact mode the
 // thresholds of the user differ from the active ones.
-void CSearchController::close_repeat_in_mask(const Csat& sat, CAnchorSeq& mask) const {
+bool CSearchController::is_shown(const Csat& sat) const {
   const unsigned unit_length = sat.unit_length();
-  if (!sat.reaches((*minScores_user)[unit_length], (*minLengths_user)[unit_length])) return;
+  if (!sat.reaches((*minScores_user)[unit_length], (*minLengths_user)[unit_length])) return false;
   const float perfection = sat.perfection();
-  if (global_min_perfection <= perfection && perfection <= global_max_perfection) mask.close(sat);
+  return global_min_perfection <= perfection && perfection <= global_max_perfection;
 }
 
 void CSearchController::exact_search_2() {
-  unsigned unit_length = global_min_unit_length;
-  if (unit_length == 1) {
-    exact_search_for_unit_length_1();
-    unit_length = 2;
-  }
   CAnchorSeq mask(seq_begin(), seq_length());
-  // A unit length that is not shorter than the sequence has no candidates, nor has any above it.
-  for (; unit_length <= global_max_unit_length && unit_length < seq_length(); ++unit_length) {
-    exact_search_for_unit_length(unit_length, mask);
+  const BitPlanes planes(seq_begin(), seq_length(), ExactFilter::margin(longest_unit()));
+  for (unsigned unit_length = global_min_unit_length; unit_length <= longest_unit();
+       ++unit_length) {
+    exact_search_for_unit_length(unit_length, planes, mask);
   }
   exact_sats.sort(lessThan_sat);
 }

@@ -6,33 +6,31 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "search/canchorseq.h"
-
 namespace vorlan {
 
-/// The candidates of one unit length of 2 or more in one sequence, asked from left to right.
+/// Which stretches of one length can be units at all, whatever the marks say; asked from left to
+/// right.
 class UnitScan {
  public:
-  UnitScan(const char* seq_begin, const char* seq_end, const CAnchorSeq& anchors,
-           std::size_t unit_length)
-      : seq_end_(seq_end),
-        anchors_(anchors),
+  UnitScan(const char* seq_begin, const char* seq_end, std::size_t unit_length)
+      : seq_begin_(seq_begin),
+        seq_end_(seq_end),
         unit_length_(unit_length),
         next_N_(std::find(seq_begin, seq_end, 'N')) {}
 
-  /// Whether `start` can be the first base of a unit at all: the unit is followed by at least one
-  /// base. A stretch that ends at the last base of the sequence is therefore never tried.
-  bool has_room(const char* start) const {
-    return static_cast<std::size_t>(seq_end_ - start) > unit_length_;
+  /// Number of starts: a unit is followed by at least one base, so a stretch that ends at the last
+  /// base of the sequence is never tried.
+  std::ptrdiff_t starts() const {
+    return std::max<std::ptrdiff_t>(
+        0, seq_end_ - seq_begin_ - static_cast<std::ptrdiff_t>(unit_length_));
   }
 
-  /// Whether the stretch at `start` is tried as a unit: the marks allow it, it holds no N and is
-  /// not one base repeated, which belongs to unit length 1. Requires `has_room(start)`, and that no
-  /// start to the right was asked before.
-  bool is_candidate(const char* start) {
+  /// Whether the stretch at `start` holds no N and is not one base repeated: such repeats belong to
+  /// unit length 1. Requires that no start to the right was asked before.
+  bool is_unit(const char* start) {
     if (next_N_ < start) next_N_ = std::find(start, seq_end_, 'N');
-    return anchors_.may_anchor(start, unit_length_) &&
-           static_cast<std::size_t>(next_N_ - start) >= unit_length_ && !is_homopolymer(start);
+    return static_cast<std::size_t>(next_N_ - start) >= unit_length_ &&
+           (unit_length_ == 1 || !is_homopolymer(start));
   }
 
  private:
@@ -40,8 +38,8 @@ class UnitScan {
     return std::all_of(start + 1, start + unit_length_, [=](char base) { return base == *start; });
   }
 
+  const char* seq_begin_;
   const char* seq_end_;
-  const CAnchorSeq& anchors_;
   std::size_t unit_length_;
   const char* next_N_;  ///< First N at or after the last start asked, or the end.
 };

@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+
+# Adds SOURCE to TARGET once for each instruction set that the architecture has. Each copy defines
+# its functions in the namespace VORLAN_FILTER_LEVEL; which one runs is chosen at run time.
+function(vorlan_add_vector_kernel target source)
+  set(levels portable)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+    list(APPEND levels avx2 avx512)
+    target_compile_definitions(${target} PRIVATE VORLAN_X86_KERNELS)
+  endif()
+  set(flags_portable "")
+  set(flags_avx2 -mavx2)
+  set(flags_avx512 -mavx512f -mavx512bw)
+  foreach(level IN LISTS levels)
+    set(object ${target}_kernel_${level})
+    add_library(${object} OBJECT ${source})
+    target_include_directories(${object} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${object} PRIVATE vorlan_compile_options)
+    target_compile_definitions(${object} PRIVATE VORLAN_FILTER_LEVEL=${level})
+    target_compile_options(${object} PRIVATE ${flags_${level}} -Wno-psabi)
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${object}>)
+  endforeach()
+endfunction()

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The filter before the extension: most candidates are proved hopeless without extending them.
+//
+// Idea: the extension of a candidate is a path through a small automaton: it consumes residues (j
+// of them so far) and makes edits (e), and its diagonal d = insertions - deletions tells which unit
+// base is due. One bit per start position in each cell (e, d) says whether some path of that start
+// is there; a step over one residue moves 512 starts at once. Edits leave a cell only from a
+// mismatch, as in the extension, and only while the score allows it.
+//
+// The score of a cell is bounded for all starts alike: of j residues, a path with e edits on
+// diagonal d matched at most j - ceil((e + d) / 2), and each edit cost at least the smaller
+// penalty.
+//
+// A start survives if a path is still alive behind the horizon, or if the bounds reached forward
+// and backward together come up to the least score that is accepted. All others are hopeless:
+//   - every path of the extension is a path of the automaton: it makes an edit only if the score
+//     stays above the floor, which is never below the bound's floor; a limited score reduction only
+//     raises the threshold; the look-ahead only chooses among these moves;
+//   - an N that is bridged counts as a match, which adds to the bound but never to the score;
+//   - outside the sequence nothing matches;
+//   - the backward extension starts with what the forward one gained. A start that gains kMaxGain
+//     forward survives at once; so less than that is what the backward floor has to allow for.
+// A rejected candidate leaves no trace, so it does not matter that it was never extended.
+//
+// Example, unit length 2, penalties 5: the floor is -2, so an edit needs a score of 3. At AC|GT no
+// path survives the first residue: forward gains 0. If backward gains nothing either, the start
+// cannot reach a score of 6.
+//
+// Cost: about 12 word operations for each cell and residue, for 512 starts.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "search/bit_planes.h"
+
+namespace vorlan {
+
+/// Words of one block: 512 start positions.
+inline constexpr std::size_t kFilterWords = 8;
+
+/// One bit for each start position of a block.
+typedef std::uint64_t Lanes __attribute__((vector_size(kFilterWords * sizeof(std::uint64_t))));
+
+/// A start that gains this much forward survives without looking backward. Rare in background
+/// (4^-8), and small enough to keep the floor of the backward automaton tight.
+inline constexpr int kMaxGain = 8;
+
+/// What the filter of one unit length needs to know.
+struct FilterPlan {
+  int unit_length;
+  int floor;       ///< An edit is tried only if the score stays above it.
+  int penalty;     ///< The smaller cost of an edit, positive.
+  int min_score;   ///< At least 1.
+  int horizon;     ///< Residues that are looked at in each direction.
+  int max_gain;    ///< Forward gains are told apart up to here: min(min_score, kMaxGain).
+  int max_edits;   ///< No path makes more edits within the horizon.
+  bool bridges_N;  ///< N is passed over, rather than an ordinary residue that matches nothing.
+};
+
+/// Lanes in a row of diagonals: `max_edits` on either side of the middle, and two more for
+/// neighbours that are always empty.
+constexpr int filter_row_size(const FilterPlan& plan) { return 2 * plan.max_edits + 5; }
+
+/// Memory of a kernel.
+struct FilterBuffers {
+  Lanes* shifted;     ///< Three planes for each offset from -horizon to unit_length + horizon - 1.
+  Lanes* cells;       ///< max_edits + 1 rows.
+  Lanes* matches;     ///< One row.
+  Lanes* mismatches;  ///< Two rows.
+  Lanes* forward_gains;   ///< Starts that gain at least i, for i up to max_gain.
+  Lanes* backward_gains;  ///< For i up to min_score or horizon.
+};
+
+/// Clears the hopeless starts among `candidates`, kFilterWords words from `first_word` of the
+/// planes.
+using FilterKernel = void(const FilterPlan& plan, const BitPlanes::Words& planes,
+                          std::ptrdiff_t first_word, const FilterBuffers& buffers,
+                          std::uint64_t* candidates);
+
+/// The same kernel, compiled for several instruction sets.
+namespace portable {
+FilterKernel keep_survivors;
+}
+namespace avx2 {
+FilterKernel keep_survivors;
+}
+namespace avx512 {
+FilterKernel keep_survivors;
+}
+
+}  // namespace vorlan
