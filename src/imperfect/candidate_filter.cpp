@@ -22,9 +22,10 @@ static_assert(kFilterWords == StartBlock::kWords);
 /// use.
 constexpr int kLongestFilteredUnit = 256;
 
-/// How far to look. Random sequence loses about two points a residue even on the best of all paths,
-/// so a path is dead after about half a unit length on top of what its first edits allow.
-int horizon_of(int unit_length) { return 12 + unit_length / 2; }
+/// How far to look at most. Random sequence loses about two points a residue even on the best of
+/// all paths, so a path is dead after about half a unit length on top of what its first edits
+/// allow.
+int horizon_of(int unit_length) { return 16 + unit_length; }
 
 FilterPlan plan_of(int unit_length, int min_score) {
   const AlignmentSettings settings;
@@ -35,6 +36,7 @@ FilterPlan plan_of(int unit_length, int min_score) {
       -std::max(settings.mismatch_score, settings.indel_score), std::int64_t{1} << 20));
   plan.min_score = min_score;
   plan.horizon = horizon_of(unit_length);
+  plan.first_check = 10;
   plan.max_gain = std::min(min_score, kMaxGain);
   plan.max_edits = (plan.horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
   plan.bridges_N = settings.longest_N_run != 0;

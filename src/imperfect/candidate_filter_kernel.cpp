@@ -13,6 +13,9 @@ namespace {
 constexpr int kPlanes = 3;
 constexpr int kBitsPerWord = 64;
 
+constexpr int kFewStarts = 1;
+constexpr int kResiduesPerCheck = 2;
+
 struct Automaton {
   const FilterPlan& plan;
   const FilterBuffers& buffers;
@@ -59,11 +62,12 @@ void set_match(const Automaton& automaton, const Lanes* text, const Lanes* unit,
 }
 
 // Where residue j meets the unit base of each diagonal.
-void set_matches(const Automaton& automaton, bool forward, int j, int max_diagonal) {
+void set_matches(const Automaton& automaton, bool forward, int j, int first_diagonal,
+                 int last_diagonal) {
   const FilterPlan& plan = automaton.plan;
   const Lanes* start = automaton.buffers.shifted + kPlanes * plan.horizon;
   const Lanes* text = start + kPlanes * (forward ? plan.unit_length + j : -1 - j);
-  for (int d = -max_diagonal; d <= max_diagonal; ++d) {
+  for (int d = first_diagonal; d <= last_diagonal; ++d) {
     int base = (j - d) % plan.unit_length;
     if (base < 0) base += plan.unit_length;
     if (!forward) base = plan.unit_length - 1 - base;
@@ -72,27 +76,38 @@ void set_matches(const Automaton& automaton, bool forward, int j, int max_diagon
   }
 }
 
-// Moves all paths with `edits` edits over one residue. `from` holds, for each diagonal, the paths
+void clear_row(const Automaton& automaton, int edits) {
+  Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+  for (int d = -edits; d <= edits; ++d) row[d] = Lanes{};
+}
+
+void add_row(const Automaton& automaton, int edits, Lanes& lanes) {
+  const Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+  for (int d = -edits; d <= edits; ++d) lanes |= row[d];
+}
+
+// Moves all paths with `edits` edits over residue j. `from` holds, for each diagonal, the paths
 // that leave the row above by an edit at this residue; `to` receives those that leave this row, on
-// diagonals up to `last_edit_diagonal`. Returns whether the row had paths.
-void step_row(const Automaton& automaton, int edits, int last_edit_diagonal, const Lanes* from,
-              Lanes* to) {
+// diagonals up to `last_edit_diagonal`.
+void step_row(const Automaton& automaton, int j, int edits, int last_edit_diagonal,
+              const Lanes* from, Lanes* to) {
   Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
   const Lanes* matches = automaton.buffers.matches + automaton.middle();
-  for (int d = -edits; d <= edits; ++d) {
+  // Each insertion has consumed a residue.
+  const int last_diagonal = smaller(edits, j + 1);
+  for (int d = -edits; d <= last_diagonal; ++d) {
     const Lanes here = row[d] | from[d + 1];  // a deletion consumes no residue
     row[d] = (here & matches[d]) | from[d] |  // a mismatch
              from[d - 1];                     // an insertion
     to[d] = here & ~matches[d];
   }
-  for (int d = last_edit_diagonal + 1; d <= edits; ++d) to[d] = Lanes{};
-  to[-edits - 2] = to[-edits - 1] = to[edits + 1] = to[edits + 2] = Lanes{};
+  to[-edits - 2] = to[-edits - 1] = Lanes{};
+  for (int d = last_edit_diagonal + 1; d <= last_diagonal + 2; ++d) to[d] = Lanes{};
 }
 
 bool row_is_empty(const Automaton& automaton, int edits) {
-  const Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
   Lanes any = {};
-  for (int d = -edits; d <= edits; ++d) any |= row[d];
+  add_row(automaton, edits, any);
   return is_empty(any);
 }
 
@@ -113,44 +128,52 @@ void add_gains(const Automaton& automaton, int consumed, int lowest_row, int hig
   }
 }
 
+// Whether so few starts are still alive that following them costs more than extending them.
+bool few_are_left(const Lanes& lanes) {
+  int left = 0;
+  for (std::size_t word = 0; word < kFilterWords; ++word) left += __builtin_popcountll(lanes[word]);
+  return left <= kFewStarts;
+}
+
 // Follows all paths of the starts in `lanes`, whose score is at first at most `first_score`. On
-// return `lanes` holds those with a path behind the horizon.
+// return `lanes` holds those with a path that was not lost.
 void follow_paths(const Automaton& automaton, bool forward, int first_score, int max_gain,
                   Lanes* gains, Lanes& lanes) {
   const FilterPlan& plan = automaton.plan;
-  const int row_size = automaton.row_size();
-  Lanes* cells = automaton.buffers.cells;
-  for (int i = 0; i < (plan.max_edits + 1) * row_size; ++i) cells[i] = Lanes{};
   for (int i = 0; i <= max_gain; ++i) gains[i] = Lanes{};
-  cells[automaton.middle()] = lanes;
+  automaton.buffers.cells[automaton.middle()] = lanes;
 
   Lanes* from = automaton.buffers.mismatches + automaton.middle();
-  Lanes* to = from + row_size;
+  Lanes* to = from + automaton.row_size();
   int lowest_row = 0;
   int highest_row = 0;
   for (int j = 0; j < plan.horizon && lowest_row <= highest_row; ++j) {
     // What a path that matched all residues can still lose.
     const int to_spend = first_score + j - plan.floor - 1;
-    highest_row = smaller(to_spend < 0 ? 0 : to_spend / plan.penalty, plan.max_edits);
-    set_matches(automaton, forward, j, highest_row);
+    const int last_row = smaller(to_spend < 0 ? 0 : to_spend / plan.penalty, plan.max_edits);
+    while (highest_row < last_row) clear_row(automaton, ++highest_row);
+    set_matches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
     for (int d = -lowest_row - 1; d <= lowest_row + 1; ++d) from[d] = Lanes{};
     for (int edits = lowest_row; edits <= highest_row; ++edits) {
       // Edits from diagonals up to here keep the score above the floor.
       const int spare = to_spend - plan.penalty * (edits + 1);
-      const int last_edit_diagonal = spare < 0 ? -edits - 1 : smaller(2 * spare - edits, edits);
-      step_row(automaton, edits, last_edit_diagonal, from, to);
+      const int last_edit_diagonal =
+          spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
+      step_row(automaton, j, edits, last_edit_diagonal, from, to);
       Lanes* const done = from;
       from = to;
       to = done;
     }
     while (lowest_row <= highest_row && row_is_empty(automaton, lowest_row)) ++lowest_row;
     add_gains(automaton, j + 1, lowest_row, highest_row, max_gain, gains);
+    if (j + 1 < plan.first_check || (j + 1) % kResiduesPerCheck != 0) continue;
+    lanes = Lanes{};
+    for (int edits = lowest_row; edits <= highest_row; ++edits) add_row(automaton, edits, lanes);
+    if (few_are_left(lanes)) break;
   }
 
   lanes = Lanes{};
-  for (int edits = lowest_row; edits <= highest_row; ++edits) {
-    for (int d = -edits; d <= edits; ++d) lanes |= cells[edits * row_size + automaton.middle() + d];
-  }
+  for (int edits = lowest_row; edits <= highest_row; ++edits) add_row(automaton, edits, lanes);
   for (int gain = max_gain; gain > 0; --gain) gains[gain - 1] |= gains[gain];
 }
 

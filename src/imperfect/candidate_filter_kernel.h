@@ -52,13 +52,14 @@ inline constexpr int kMaxGain = 8;
 /// What the filter of one unit length needs to know.
 struct FilterPlan {
   int unit_length;
-  int floor;       ///< An edit is tried only if the score stays above it.
-  int penalty;     ///< The smaller cost of an edit, positive.
-  int min_score;   ///< At least 1.
-  int horizon;     ///< Residues that are looked at in each direction.
-  int max_gain;    ///< Forward gains are told apart up to here: min(min_score, kMaxGain).
-  int max_edits;   ///< No path makes more edits within the horizon.
-  bool bridges_N;  ///< N is passed over, rather than an ordinary residue that matches nothing.
+  int floor;        ///< An edit is tried only if the score stays above it.
+  int penalty;      ///< The smaller cost of an edit, positive.
+  int min_score;    ///< At least 1.
+  int horizon;      ///< Residues that are looked at in each direction, at most.
+  int first_check;  ///< After this many residues it may stop when few starts are left.
+  int max_gain;     ///< Forward gains are told apart up to here: min(min_score, kMaxGain).
+  int max_edits;    ///< No path makes more edits within the horizon.
+  bool bridges_N;   ///< N is passed over, rather than an ordinary residue that matches nothing.
 };
 
 /// Lanes in a row of diagonals: `max_edits` on either side of the middle, and two more for
