@@ -20,6 +20,8 @@
 
 #include "config/settings.h"
 #include "imperfect/candidate_filter.h"
+#include "imperfect/extension.h"
+#include "imperfect/mark_painter.h"
 #include "search/bit_planes.h"
 #include "search/canchorseq.h"
 #include "search/csearchcontroller.h"
@@ -27,6 +29,74 @@
 #include "search/unit_scan.h"
 
 namespace vorlan {
+namespace {
+
+/// Alignments with more edits than this, in stored ways, do not note them: most are removed again.
+constexpr std::uint32_t kMostNotedEdits = 64;
+
+/// Stored ways are forgotten when they take about 400 MB.
+constexpr std::size_t kMostStoredNodes = 2'500'000;
+
+/// Tries the candidates of one unit length, from left to right, and keeps the marks.
+class CandidateTrial {
+ public:
+  CandidateTrial(const char* seq_begin, const char* seq_end, unsigned unit_length, int min_score,
+                 int min_length, CAnchorSeq& anchors)
+      : seq_begin_(seq_begin),
+        seq_end_(seq_end),
+        unit_length_(unit_length),
+        min_score_(min_score),
+        min_length_(min_length),
+        shares_ways_(UnitPaths::can_share(settings_)),
+        paths_(seq_begin, unit_length, settings_),
+        painter_(anchors, paths_, seq_begin) {}
+
+  MarkPainter& painter() { return painter_; }
+
+  /// Extends the candidate at `start`. Returns its record if it is accepted, else null.
+  Csat* accept(const char* start) {
+    Csat& sat = spare_.candidate(start, start + unit_length_);
+    std::vector<PathSegment> forward;
+    std::vector<PathSegment> backward;
+    UnitPaths* paths = shares_ways_ ? &paths_ : nullptr;
+    extend<Forward>(sat, seq_end_, settings_, paths, &forward);
+    extend<Backward>(sat, seq_begin_, settings_, paths, &backward);
+    sat.trim_Ns();
+    if (!sat.reaches(min_score_, min_length_)) return nullptr;
+    const std::uint32_t edits = sat.mismatches + sat.insertions + sat.deletions;
+    if (edits <= kMostNotedEdits) {
+      append_events(forward, backward, paths_, sat);
+      forward.clear();
+      backward.clear();
+    }
+    sat.events_pending = !forward.empty() || !backward.empty();
+    sat.sort_missense();
+    painter_.accept({&sat, std::move(forward), std::move(backward)}, start);
+    forget_ways_if_many();
+    return spare_.release();
+  }
+
+ private:
+  void forget_ways_if_many() {
+    if (paths_.stored_nodes() < kMostStoredNodes) return;
+    painter_.finish();
+    paths_.forget();
+  }
+
+  const char* seq_begin_;
+  const char* seq_end_;
+  unsigned unit_length_;
+  int min_score_;
+  int min_length_;
+  AlignmentSettings settings_;
+  bool shares_ways_;
+  UnitPaths paths_;
+  MarkPainter painter_;
+  SpareSat spare_;
+};
+
+}  // namespace
+
 void CSearchController::complete_imperfect_search(std::FILE*) {
   CAnchorSeq anchors(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), CandidateFilter::margin(longest_unit()));
@@ -41,35 +111,28 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
                                                                const BitPlanes& planes,
                                                                CAnchorSeq& anchors,
                                                                std::list<Csat*>& results) {
-  CandidateFilter filter(planes, unit_len, (*minScores)[unit_len]);
+  const int min_score = (*minScores)[unit_len];
+  CandidateTrial trial(seq_begin(), seq_end(), unit_len, min_score, (*minLengths)[unit_len],
+                       anchors);
+  CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
-  SpareSat spare;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
     StartBlock block(begin, scan.starts());
     report_progress(block.begin(), block.end(), unit_len);
+    // The last start of the block looks at the mark behind its unit.
+    trial.painter().paint_until(seq_begin() + block.end() + unit_len);
     block.collect(begin, unit_len, anchors, planes, filter);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
       const char* start = seq_begin() + offset;
       if (!scan.is_unit(start)) continue;
-      // An accepted repeat changes the marks ahead.
-      if (try_candidate(start, unit_len, spare, anchors, results)) {
+      if (Csat* sat = trial.accept(start); sat != nullptr) {
+        results.push_back(sat);
+        // It has changed the marks ahead.
         block.collect(offset + 1, unit_len, anchors, planes, filter);
       }
     }
   }
-}
-
-bool CSearchController::try_candidate(const char* start, unsigned unit_len, SpareSat& spare,
-                                      CAnchorSeq& anchors, std::list<Csat*>& results) {
-  Csat& sat = spare.candidate(start, start + unit_len);
-  extend_imperfect_forward(sat, seq_end());
-  extend_imperfect_backward(sat, seq_begin());
-  sat.trim_Ns();
-  if (!sat.reaches((*minScores)[unit_len], (*minLengths)[unit_len])) return false;
-  sat.sort_missense();
-  anchors.close(sat);
-  results.push_back(spare.release());
-  return true;
+  trial.painter().finish();
 }
 
 }  // namespace vorlan

@@ -24,6 +24,10 @@ struct Forward {
   static const char* next_unit_base(const char* cursor, UnitSpan unit) {
     return cursor + 1 == unit.end ? unit.begin : cursor + 1;
   }
+  /// The base that is due after `steps` steps, at least 0.
+  static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
+    return unit.begin + (cursor - unit.begin + steps) % unit.length();
+  }
   static const char*& place(Csat& sat) { return sat.pos_right; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_fwd; }
 };
@@ -35,6 +39,9 @@ struct Backward {
   static const char* next(const char* place) { return place - 1; }
   static const char* next_unit_base(const char* cursor, UnitSpan unit) {
     return cursor == unit.begin ? unit.end - 1 : cursor - 1;
+  }
+  static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
+    return unit.end - 1 - (unit.end - 1 - cursor + steps) % unit.length();
   }
   static const char*& place(Csat& sat) { return sat.pos_left; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_bwd; }

@@ -15,8 +15,12 @@
 // depends on how much further the matches go.
 //
 // Of two equally good states the later one is remembered when longer repeats are preferred.
+//
+// Where the score is high, the extension follows a way that others have gone; see path_forest.h for
+// why that leads to the same result.
 
-#include "imperfect/leap_ahead.h"
+#include "imperfect/extension.h"
+
 #include "search/csearchcontroller.h"
 
 namespace vorlan {
@@ -25,153 +29,280 @@ namespace {
 template <class Direction>
 class Extension {
  public:
-  Extension(Csat& sat, const char* stop)
+  Extension(Csat& sat, const char* stop, const AlignmentSettings& settings, UnitPaths* paths,
+            std::vector<PathSegment>* segments)
       : sat_(sat),
         unit_{sat.unit_begin, sat.unit_end},
         stop_(stop),
-        look_ahead_(settings_, unit_, stop),
-        now_{Direction::place(sat), Direction::cursor(sat), sat.score,  sat.mismatches,
-             sat.insertions,        sat.deletions,          sat.num_Ns, sat.missense.size},
-        best_(now_) {}
+        settings_(settings),
+        look_ahead_(settings, unit_, stop),
+        paths_(paths),
+        segments_(segments) {
+    now_.place = Direction::place(sat);
+    now_.cursor = Direction::cursor(sat);
+    now_.totals = {sat.score, sat.mismatches, sat.insertions, sat.deletions, sat.num_Ns};
+    now_.events = sat.missense.size;
+    if (segments_ != nullptr) now_.segments = segments_->size();
+    best_ = now_;
+  }
 
   void run() {
     bool keep = false;
     for (;;) {
-      walk_over_matches();
-      if (Direction::at_stop(now_.place, stop_)) {
-        keep = is_as_good_as_best();
-        break;
-      }
-      if (is_bridgeable_N()) {
-        if (bridge_N_run()) continue;
+      if (!reach_decision(now_)) {
         keep = is_as_good_as_best();
         break;
       }
       if (is_as_good_as_best()) best_ = now_;
-      const Choice choice = look_ahead_.best_move(now_.place, now_.cursor, now_.score,
-                                                  sat_.recursion_level, best_.score);
-      if (choice.move == Move::kNone) {
+      if (paths_ != nullptr && now_.totals.score >= paths_->lowest_score() && !follow_ways()) {
+        keep = is_as_good_as_best();
+        break;
+      }
+      const Move move = decide(now_, best_.totals.score);
+      if (move == Move::kNone) {
         // One point more lenient than where the extension ends for another reason. Deliberate: with
         // longer repeats preferred, a state one point below the best is kept here, and a record can
         // end with a score of -1.
-        keep = best_.score <= now_.score + settings_.prefer_longer_repeat;
+        keep = best_.totals.score <= now_.totals.score + settings_.prefer_longer_repeat;
         break;
       }
-      apply(choice.move);
+      sat_.missense.push_back(event_of<Direction>(move, now_.place));
+      ++now_.events;
+      apply(now_, move);
     }
     store(keep ? now_ : best_);
   }
 
  private:
-  using Move = typename LeapAhead<Direction>::Move;
-  using Choice = typename LeapAhead<Direction>::Choice;
-
-  /// What an extension changes of a record.
+  /// Where an extension is, and what it has collected.
   struct State {
-    const char* place;
-    const char* cursor;
-    std::int64_t score;
-    std::uint32_t mismatches;
-    std::uint32_t insertions;
-    std::uint32_t deletions;
-    std::uint32_t num_Ns;
-    std::uint32_t events;
+    const char* place = nullptr;
+    const char* cursor = nullptr;
+    PathTotals totals;
+    std::uint32_t events = 0;      ///< In the record.
+    std::size_t segments = 0;      ///< Passed over, besides the events.
+    NodeId segment_end = kNoNode;  ///< Where the last of them ends for this state.
   };
 
   bool is_as_good_as_best() const {
-    return now_.score > best_.score - settings_.prefer_longer_repeat;
+    return now_.totals.score > best_.totals.score - settings_.prefer_longer_repeat;
   }
 
-  void walk_over_matches() {
-    while (!Direction::at_stop(now_.place, stop_) &&
-           *Direction::residue(now_.place) == *now_.cursor) {
-      step();
-      ++now_.score;
+  // Walks over matches and short N runs. Returns false at the end of the sequence and at an N run
+  // that is too long.
+  bool reach_decision(State& state) const {
+    for (;;) {
+      if (Direction::at_stop(state.place, stop_)) return false;
+      const char residue = *Direction::residue(state.place);
+      if (residue == *state.cursor) {
+        step(state);
+        ++state.totals.score;
+      } else if (residue != 'N' || settings_.longest_N_run == 0) {
+        return true;
+      } else if (!bridge_N_run(state)) {
+        return false;
+      }
     }
   }
 
-  bool is_bridgeable_N() const {
-    return *Direction::residue(now_.place) == 'N' && settings_.longest_N_run != 0;
-  }
-
   // Bridges the whole N run, or nothing when it is too long; then returns false.
-  bool bridge_N_run() {
+  bool bridge_N_run(State& state) const {
     std::uint32_t run_length = 0;
-    for (const char* place = now_.place;
+    for (const char* place = state.place;
          !Direction::at_stop(place, stop_) && *Direction::residue(place) == 'N';
          place = Direction::next(place)) {
       if (run_length == settings_.longest_N_run) return false;
       ++run_length;
     }
-    for (std::uint32_t i = 0; i < run_length; ++i) step();
-    now_.num_Ns += run_length;
+    for (std::uint32_t i = 0; i < run_length; ++i) step(state);
+    state.totals.num_Ns += run_length;
     return true;
   }
 
-  void apply(Move move) {
+  Move decide(const State& state, std::int64_t best_score) const {
+    return look_ahead_
+        .best_move(state.place, state.cursor, state.totals.score, sat_.recursion_level, best_score)
+        .move;
+  }
+
+  void apply(State& state, Move move) const {
     switch (move) {
       case Move::kMismatch:
-        add_event(Direction::residue(now_.place), kMismatchEvent);
-        ++now_.mismatches;
-        now_.score += settings_.mismatch_score;
-        step();
+        ++state.totals.mismatches;
+        state.totals.score += settings_.mismatch_score;
+        step(state);
         break;
       case Move::kInsertion:
-        add_event(Direction::residue(now_.place), kInsertionEvent);
-        ++now_.insertions;
-        now_.score += settings_.indel_score;
-        now_.place = Direction::next(now_.place);
+        ++state.totals.insertions;
+        state.totals.score += settings_.indel_score;
+        state.place = Direction::next(state.place);
         break;
       case Move::kDeletion:
-        // The residue to the right of the gap, whichever way the extension goes.
-        add_event(now_.place, kDeletionEvent);
-        ++now_.deletions;
-        now_.score += settings_.indel_score;
-        now_.cursor = Direction::next_unit_base(now_.cursor, unit_);
+        ++state.totals.deletions;
+        state.totals.score += settings_.indel_score;
+        state.cursor = Direction::next_unit_base(state.cursor, unit_);
         break;
       case Move::kNone:
         break;
     }
   }
 
-  void add_event(const char* position, char kind) {
-    sat_.missense.push_back({position, kind});
-    ++now_.events;
-  }
-
-  void step() {
-    now_.place = Direction::next(now_.place);
-    now_.cursor = Direction::next_unit_base(now_.cursor, unit_);
+  void step(State& state) const {
+    state.place = Direction::next(state.place);
+    state.cursor = Direction::next_unit_base(state.cursor, unit_);
   }
 
   void store(const State& state) {
     Direction::place(sat_) = state.place;
     Direction::cursor(sat_) = state.cursor;
-    sat_.score = static_cast<std::int32_t>(state.score);
-    sat_.mismatches = state.mismatches;
-    sat_.insertions = state.insertions;
-    sat_.deletions = state.deletions;
-    sat_.num_Ns = state.num_Ns;
+    sat_.score = static_cast<std::int32_t>(state.totals.score);
+    sat_.mismatches = state.totals.mismatches;
+    sat_.insertions = state.totals.insertions;
+    sat_.deletions = state.totals.deletions;
+    sat_.num_Ns = state.totals.num_Ns;
     sat_.missense.size = state.events;
+    if (segments_ == nullptr) return;
+    segments_->resize(state.segments);
+    if (state.segment_end != kNoNode) segments_->back().to = state.segment_end;
+  }
+
+  // From a decision point with a high score, follows the stored way and lengthens it as needed,
+  // until the score is no longer high. Returns false if the way ends before.
+  bool follow_ways() {
+    if (!phases_known_) {
+      phases_ = paths_->phases().of({unit_.begin, static_cast<std::size_t>(unit_.length())});
+      phases_known_ = true;
+    }
+    PathForest& forest = paths_->forest(Direction{});
+    const NodeId first = node_of(now_);
+    const State start = now_;
+    segments_->resize(start.segments);
+    segments_->push_back({first, first});
+    for (;;) {
+      const PathEnd end =
+          forest.follow(first, start.totals, paths_->lowest_score(), best_.totals.score);
+      if (end.best_node != kNoNode) best_ = state_at(start, end.best_node, end.best_totals);
+      now_ = state_at(start, end.node, end.totals);
+      segments_->back().to = end.node;
+      if (forest[end.node].is_terminal) return false;
+      if (now_.totals.score < paths_->lowest_score()) return true;
+      lengthen(end.node);
+    }
+  }
+
+  State state_at(const State& start, NodeId node, const PathTotals& totals) const {
+    State state = start;
+    state.place = paths_->place_of(paths_->forest(Direction{})[node]);
+    state.cursor = Direction::unit_base_after(
+        start.cursor, unit_,
+        std::abs(state.place - start.place) -
+            static_cast<std::ptrdiff_t>(totals.insertions - start.totals.insertions) +
+            static_cast<std::ptrdiff_t>(totals.deletions - start.totals.deletions));
+    state.totals = totals;
+    state.segments = start.segments + 1;
+    state.segment_end = node;
+    return state;
+  }
+
+  std::uint32_t phase_of(const State& state) const {
+    return phases_.phase(static_cast<std::uint32_t>(state.cursor - unit_.begin));
+  }
+
+  /// A decision and what comes between it and the next decision point.
+  struct Decision {
+    std::uint32_t place;
+    std::uint32_t phase;
+    Move move;
+    PathTotals gain;
+  };
+
+  // The node of a decision point; stores the way from there on if it is new.
+  NodeId node_of(State state) {
+    PathForest& forest = paths_->forest(Direction{});
+    std::vector<Decision> decisions;
+    NodeId id = kNoNode;
+    for (;;) {
+      const std::uint32_t place = paths_->offset_of(state.place);
+      const std::uint32_t phase = phase_of(state);
+      id = forest.find(place, phase);
+      if (id != kNoNode) break;
+      if (state.totals.score < paths_->lowest_score()) {
+        id = forest.add_root(place, phase, false);
+        break;
+      }
+      decisions.push_back({place, phase, Move::kNone, state.totals});
+      if (!make_decision(state, decisions.back())) {
+        id = forest.add_root(paths_->offset_of(state.place), 0, true);
+        break;
+      }
+    }
+    for (auto decision = decisions.rbegin(); decision != decisions.rend(); ++decision) {
+      id = forest.add(decision->place, decision->phase, decision->move, id, decision->gain);
+    }
+    return id;
+  }
+
+  // Makes the decision at `state` and goes on to the next decision point; false if there is none.
+  bool make_decision(State& state, Decision& decision) const {
+    const PathTotals before = state.totals;
+    decision.move = decide(state, state.totals.score);
+    apply(state, decision.move);
+    const bool goes_on = reach_decision(state);
+    decision.gain = state.totals - before;
+    return goes_on;
+  }
+
+  // Stores how the way goes on from the root where the extension is now.
+  void lengthen(NodeId root) {
+    PathForest& forest = paths_->forest(Direction{});
+    State state = now_;
+    Decision decision{};
+    const bool goes_on = make_decision(state, decision);
+    const NodeId next =
+        goes_on ? node_of(state) : forest.add_root(paths_->offset_of(state.place), 0, true);
+    forest.continue_root(root, decision.move, next, decision.gain);
   }
 
   Csat& sat_;
   UnitSpan unit_;
   const char* stop_;
-  AlignmentSettings settings_;
+  const AlignmentSettings& settings_;
   LeapAhead<Direction> look_ahead_;
+  UnitPaths* paths_;
+  std::vector<PathSegment>* segments_;
+  UnitPhases::Unit phases_;
+  bool phases_known_ = false;
   State now_;
   State best_;
 };
 
 }  // namespace
 
-void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end_of_walk) {
-  Extension<Forward>(sat, seq_end_of_walk).run();
+template <class Direction>
+void extend(Csat& sat, const char* stop, const AlignmentSettings& settings, UnitPaths* paths,
+            std::vector<PathSegment>* segments) {
+  Extension<Direction>(sat, stop, settings, paths, segments).run();
 }
 
-void CSearchController::extend_imperfect_backward(Csat& sat, const char* seq_begin_of_walk) {
-  Extension<Backward>(sat, seq_begin_of_walk).run();
+template void extend<Forward>(Csat&, const char*, const AlignmentSettings&, UnitPaths*,
+                              std::vector<PathSegment>*);
+template void extend<Backward>(Csat&, const char*, const AlignmentSettings&, UnitPaths*,
+                               std::vector<PathSegment>*);
+
+void CSearchController::extend_imperfect_forward(Csat& sat, const char* end) {
+  extend<Forward>(sat, end, AlignmentSettings());
+}
+
+void CSearchController::extend_imperfect_backward(Csat& sat, const char* begin) {
+  extend<Backward>(sat, begin, AlignmentSettings());
+}
+
+void CSearchController::restore_events(Csat& sat) {
+  sat.init(sat.unit_begin, sat.unit_end);
+  extend_imperfect_forward(sat, seq_end());
+  extend_imperfect_backward(sat, seq_begin());
+  sat.trim_Ns();
+  sat.sort_missense();
 }
 
 }  // namespace vorlan

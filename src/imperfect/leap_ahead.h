@@ -10,6 +10,9 @@
 
 namespace vorlan {
 
+/// What an extension can do where the sequence departs from the unit.
+enum class Move : std::uint8_t { kNone, kMismatch, kInsertion, kDeletion };
+
 /// The look-ahead of the extension ("leap ahead"): the highest score that any way of going on
 /// reaches, when at most `maximum_recursion_depth` edits beyond the driver's own are explored.
 ///
@@ -49,8 +52,6 @@ class LeapAhead {
     best = std::max(best, score);
     return std::max(score, best_move(place, cursor, score, level, best).value);
   }
-
-  enum class Move : std::uint8_t { kNone, kMismatch, kInsertion, kDeletion };
 
   /// A move and the highest score that can be reached after it.
   struct Choice {

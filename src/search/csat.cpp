@@ -33,6 +33,7 @@ void Csat::init(const char* left, const char* right) {
   aux_object.reset();
   recursion_level = 0;
   missense.size = 0;
+  events_pending = false;
 }
 
 void Csat::trim_Ns() {

@@ -93,6 +93,7 @@ class Csat {
   std::unique_ptr<AuxObject> aux_object;
   std::uint8_t recursion_level = 0;  ///< Where the look-ahead starts counting; always 0.
   fastvector<Missense> missense;
+  bool events_pending = false;  ///< `missense` is not complete; see restore_events.
 };
 
 /// Order of result lists: by start, then by end. Equal spans compare equal.

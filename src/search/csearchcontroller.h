@@ -46,7 +46,8 @@ class CSearchController {
   void complete_imperfect_search(std::FILE* out);
 
   /// Thins a sorted list: of two repeats of which one is mostly hidden by the other, the one with
-  /// the lower score goes, or the later one. Does nothing unless `global_remove_mostly_hidden`.
+  /// the lower score goes, or the later one. Keeps all unless `global_remove_mostly_hidden`.
+  /// Completes the events of the repeats that stay.
   void remove_hidden(CsatContainer& sats);
 
   /// Writes the block of this sequence: header, an entry for each repeat of the list, footer; then
@@ -89,8 +90,10 @@ class CSearchController {
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
                                               CAnchorSeq& anchors, std::list<Csat*>& results);
-  bool try_candidate(const char* start, unsigned unit_len, SpareSat& spare, CAnchorSeq& anchors,
-                     std::list<Csat*>& results);
+  /// Finds the events of a repeat that was found without noting them all. An alignment is a
+  /// function of its start, so it is made again; of the thousands of long alignments that an array
+  /// yields, nearly all are removed and never need theirs.
+  void restore_events(Csat& sat);
 
   /// Shows a progress line for each of the starts [begin, end) that is one of every 256 positions,
   /// if a line is due.

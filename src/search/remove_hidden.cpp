@@ -27,10 +27,7 @@ bool is_mostly_hidden(const Csat& sat, std::uint32_t overlap) {
   return static_cast<std::uint32_t>(sat.pos_right - sat.pos_left) < overlap + sat.unit_length();
 }
 
-}  // namespace
-
-void CSearchController::remove_hidden(CsatContainer& sats) {
-  if (!global_remove_mostly_hidden) return;
+void remove_mostly_hidden(CsatContainer& sats) {
   auto a = sats.begin();
   while (a != sats.end()) {
     bool a_was_removed = false;
@@ -52,6 +49,15 @@ void CSearchController::remove_hidden(CsatContainer& sats) {
       }
     }
     if (!a_was_removed) ++a;
+  }
+}
+
+}  // namespace
+
+void CSearchController::remove_hidden(CsatContainer& sats) {
+  if (global_remove_mostly_hidden) remove_mostly_hidden(sats);
+  for (Csat* sat : sats) {
+    if (sat->events_pending) restore_events(*sat);
   }
 }
 

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The ways that extensions have gone, kept so that others need not find them again.
+//
+// Idea: when the score is so high that no edit the look-ahead may try comes near the floor, a
+// decision depends on nothing but the place and the unit as read from there. Extensions that meet
+// at such a decision point go on together. A decision point is a node, the next one its parent; the
+// ways of all extensions form a forest, and its roots are where no extension has gone on yet.
+//
+// Each node knows what is still to come until the root: score, edits and N. The difference between
+// two nodes is what lies between them, so an extension passes over any stretch in one step. Jump
+// pointers (E. W. Myers, "An applicative random-access stack", Information Processing Letters 17,
+// 1983) lead from each node to one further on, with the lowest and the highest score to go on the
+// way: enough to find, in logarithmic time, where a score first falls too low and where it was
+// best.
+//
+// Why results stay the same: an extension follows a stored way only while its own score is that
+// high, so it would have made the same decisions; scores, counts and the place are exact.
+//
+// Example, unit AC, each node with its score to go: ACACTCACAC.. (a mismatch at T) has a node at T,
+// whose parent is the next decision point. A second extension, started behind the first A with unit
+// CA, arrives at T expecting A as well: the same node.
+//
+// Limits: a root that is passed later gets a continuation, which costs one step each time it is
+// passed. Memory: 64 bytes a node; a forest that has grown too large is forgotten.
+
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <unordered_map>
+#include <vector>
+
+#include "imperfect/leap_ahead.h"
+
+namespace vorlan {
+
+/// A node is named by its index.
+using NodeId = std::uint32_t;
+inline constexpr NodeId kNoNode = std::numeric_limits<NodeId>::max();
+
+/// What an extension collects on its way. Also used for what is still to come.
+struct PathTotals {
+  std::int64_t score = 0;
+  std::uint32_t mismatches = 0;
+  std::uint32_t insertions = 0;
+  std::uint32_t deletions = 0;
+  std::uint32_t num_Ns = 0;
+
+  friend PathTotals operator+(PathTotals a, const PathTotals& b) {
+    return {a.score + b.score, a.mismatches + b.mismatches, a.insertions + b.insertions,
+            a.deletions + b.deletions, a.num_Ns + b.num_Ns};
+  }
+  friend PathTotals operator-(PathTotals a, const PathTotals& b) {
+    return {a.score - b.score, a.mismatches - b.mismatches, a.insertions - b.insertions,
+            a.deletions - b.deletions, a.num_Ns - b.num_Ns};
+  }
+  std::uint32_t edits() const { return mismatches + insertions + deletions; }
+};
+
+/// A decision point, or the point where a way ends for good.
+struct PathNode {
+  std::uint32_t place;  ///< Offset of the place in the sequence.
+  std::uint32_t phase;  ///< The unit as read from the place; see UnitPhases.
+  Move move = Move::kNone;
+  bool is_terminal = false;       ///< End of the sequence, or an N run that is too long.
+  std::uint32_t depth = 0;        ///< Nodes until the root of the tree.
+  NodeId next = kNoNode;          ///< The next decision point; kNoNode at a root.
+  NodeId jump = kNoNode;          ///< A node further on; a root jumps to itself.
+  NodeId continuation = kNoNode;  ///< Of a root: the node that comes after it.
+  PathTotals to_root{};           ///< What comes between here and the root.
+  PathTotals to_continuation{};   ///< Of a root: what comes between it and its continuation.
+  // Behind this node, up to and with the one at `jump`:
+  std::int64_t highest_to_go = 0;
+  std::int64_t lowest_to_go = 0;
+  NodeId lowest = kNoNode;
+};
+
+/// Where following a way has led.
+struct PathEnd {
+  NodeId node;  ///< Terminal, or with a score below the limit, or a root without continuation.
+  PathTotals totals;           ///< Of the extension when it arrives there.
+  NodeId best_node = kNoNode;  ///< The best node behind the first one, if it is as good as asked.
+  PathTotals best_totals{};
+};
+
+/// The ways in one direction, for one unit length.
+class PathForest {
+ public:
+  /// Of equal scores the later node counts as better if `prefer_later`, else the earlier one.
+  explicit PathForest(bool prefer_later) : prefer_later_(prefer_later) {}
+
+  const PathNode& operator[](NodeId id) const { return nodes_[id]; }
+
+  /// The decision point at `place` with `phase`, or kNoNode.
+  NodeId find(std::uint32_t place, std::uint32_t phase) const;
+
+  /// Adds a root.
+  NodeId add_root(std::uint32_t place, std::uint32_t phase, bool is_terminal);
+
+  /// Adds a decision point whose `move` leads to `next`, with `gain` on the way.
+  NodeId add(std::uint32_t place, std::uint32_t phase, Move move, NodeId next,
+             const PathTotals& gain);
+
+  /// Tells how a root goes on.
+  void continue_root(NodeId root, Move move, NodeId continuation, const PathTotals& gain);
+
+  /// Follows the way from `first`, where an extension has arrived with `totals`, until it ends or
+  /// the score is below `lowest_score`. The best node is the best one that is not worse than
+  /// `best_score`; with equal scores only if later ones are preferred.
+  PathEnd follow(NodeId first, const PathTotals& totals, std::int64_t lowest_score,
+                 std::int64_t best_score) const;
+
+  /// The node after `id` on its way, past roots; kNoNode where the way ends.
+  NodeId after(NodeId id) const {
+    const PathNode& node = nodes_[id];
+    return node.next != kNoNode ? node.next : node.continuation;
+  }
+
+  std::size_t size() const { return nodes_.size(); }
+
+  void clear() {
+    nodes_.clear();
+    ids_.clear();
+  }
+
+ private:
+  static std::uint64_t key(std::uint32_t place, std::uint32_t phase) {
+    return std::uint64_t{place} << 32 | phase;
+  }
+  bool is_better(std::int64_t to_go, std::int64_t than) const {
+    return prefer_later_ ? to_go <= than : to_go < than;
+  }
+
+  bool prefer_later_;
+  std::vector<PathNode> nodes_;
+  std::unordered_map<std::uint64_t, NodeId> ids_;
+};
+
+}  // namespace vorlan
