@@ -23,6 +23,16 @@ struct AlignmentSettings {
   /// Longest N run that is bridged; 0 when N is an ordinary residue that matches nothing.
   std::ptrdiff_t longest_N_run = global_treat_Ns_as_missense ? 0 : global_Ns_allowed_in_a_row;
 
+  /// Whether the best score does not enter the threshold, which makes it a constant.
+  bool has_constant_threshold() const { return maximum_scorereduction == kNoScoreLimit; }
+
+  /// The level at which the look-ahead ends. Levels are counted in 8 bits, so a depth that does not
+  /// fit is never met, and only the threshold ends it: -1.
+  int deepest_level() const {
+    return maximum_recursion_depth <= kLargestLevel ? maximum_recursion_depth : -1;
+  }
+  static constexpr int kLargestLevel = 255;
+
   /// The score below which no edit is tried. It falls no further than the unit length below zero,
   /// so that an extension costs at most about one unit of mismatches when it leads nowhere.
   std::int64_t threshold(std::int64_t best_score, std::ptrdiff_t unit_length) const {

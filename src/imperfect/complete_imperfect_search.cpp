@@ -41,14 +41,14 @@ constexpr std::size_t kMostStoredNodes = 2'500'000;
 class CandidateTrial {
  public:
   CandidateTrial(const char* seq_begin, const char* seq_end, unsigned unit_length, int min_score,
-                 int min_length, CAnchorSeq& anchors)
+                 int min_length, UnitPaths& paths, CAnchorSeq& anchors)
       : seq_begin_(seq_begin),
         seq_end_(seq_end),
         unit_length_(unit_length),
         min_score_(min_score),
         min_length_(min_length),
         shares_ways_(UnitPaths::can_share(settings_)),
-        paths_(seq_begin, unit_length, settings_),
+        paths_(paths),
         painter_(anchors, paths_, seq_begin) {}
 
   MarkPainter& painter() { return painter_; }
@@ -59,8 +59,8 @@ class CandidateTrial {
     std::vector<PathSegment> forward;
     std::vector<PathSegment> backward;
     UnitPaths* paths = shares_ways_ ? &paths_ : nullptr;
-    extend<Forward>(sat, seq_end_, settings_, paths, &forward);
-    extend<Backward>(sat, seq_begin_, settings_, paths, &backward);
+    extend<Forward>(sat, seq_end_, settings_, memory_, paths, &forward);
+    extend<Backward>(sat, seq_begin_, settings_, memory_, paths, &backward);
     sat.trim_Ns();
     if (!sat.reaches(min_score_, min_length_)) return nullptr;
     const std::uint32_t edits = sat.mismatches + sat.insertions + sat.deletions;
@@ -89,8 +89,9 @@ class CandidateTrial {
   int min_score_;
   int min_length_;
   AlignmentSettings settings_;
+  MergedLookAheadMemory memory_;
   bool shares_ways_;
-  UnitPaths paths_;
+  UnitPaths& paths_;
   MarkPainter painter_;
   SpareSat spare_;
 };
@@ -100,8 +101,9 @@ class CandidateTrial {
 void CSearchController::complete_imperfect_search(std::FILE*) {
   CAnchorSeq anchors(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), CandidateFilter::margin(longest_unit()));
+  UnitPaths paths(seq_begin(), AlignmentSettings());
   for (unsigned unit_len = global_min_unit_length; unit_len <= longest_unit(); ++unit_len) {
-    one_unit_len_complete_imperfect_search(unit_len, planes, anchors, imperfect_sats);
+    one_unit_len_complete_imperfect_search(unit_len, planes, paths, anchors, imperfect_sats);
     if (unit_len == 1) anchors.reset();
   }
   imperfect_sats.sort(lessThan_sat);
@@ -109,16 +111,18 @@ void CSearchController::complete_imperfect_search(std::FILE*) {
 
 void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len,
                                                                const BitPlanes& planes,
+                                                               UnitPaths& paths,
                                                                CAnchorSeq& anchors,
                                                                std::list<Csat*>& results) {
   const int min_score = (*minScores)[unit_len];
-  CandidateTrial trial(seq_begin(), seq_end(), unit_len, min_score, (*minLengths)[unit_len],
+  CandidateTrial trial(seq_begin(), seq_end(), unit_len, min_score, (*minLengths)[unit_len], paths,
                        anchors);
   CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
+  ScanProgress progress{unit_len};
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
     StartBlock block(begin, scan.starts());
-    report_progress(block.begin(), block.end(), unit_len);
+    report_progress(progress, block.end());
     // The last start of the block looks at the mark behind its unit.
     trial.painter().paint_until(seq_begin() + block.end() + unit_len);
     block.collect(begin, unit_len, anchors, planes, filter);

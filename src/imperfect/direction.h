@@ -3,6 +3,9 @@
 
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "search/csat.h"
 
 namespace vorlan {
@@ -21,8 +24,13 @@ struct Forward {
   static bool at_stop(const char* place, const char* stop) { return place == stop; }
   static const char* residue(const char* place) { return place; }
   static const char* next(const char* place) { return place + 1; }
+  static const char* moved(const char* place, std::ptrdiff_t steps) { return place + steps; }
   static const char* next_unit_base(const char* cursor, UnitSpan unit) {
     return cursor + 1 == unit.end ? unit.begin : cursor + 1;
+  }
+  /// The same with offsets in the unit.
+  static std::int32_t next_unit_offset(std::int32_t offset, std::int32_t last) {
+    return offset == last ? 0 : offset + 1;
   }
   /// The base that is due after `steps` steps, at least 0.
   static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
@@ -37,8 +45,12 @@ struct Backward {
   static bool at_stop(const char* place, const char* stop) { return place == stop; }
   static const char* residue(const char* place) { return place - 1; }
   static const char* next(const char* place) { return place - 1; }
+  static const char* moved(const char* place, std::ptrdiff_t steps) { return place - steps; }
   static const char* next_unit_base(const char* cursor, UnitSpan unit) {
     return cursor == unit.begin ? unit.end - 1 : cursor - 1;
+  }
+  static std::int32_t next_unit_offset(std::int32_t offset, std::int32_t last) {
+    return offset == 0 ? last : offset - 1;
   }
   static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
     return unit.end - 1 - (unit.end - 1 - cursor + steps) % unit.length();

@@ -26,18 +26,23 @@
 namespace vorlan {
 namespace {
 
+/// With room for this many edits at most, the look-ahead goes path by path.
+constexpr int kFewEdits = 5;
+
 template <class Direction>
 class Extension {
  public:
-  Extension(Csat& sat, const char* stop, const AlignmentSettings& settings, UnitPaths* paths,
-            std::vector<PathSegment>* segments)
+  Extension(Csat& sat, const char* stop, const AlignmentSettings& settings,
+            MergedLookAheadMemory& memory, UnitPaths* paths, std::vector<PathSegment>* segments)
       : sat_(sat),
         unit_{sat.unit_begin, sat.unit_end},
         stop_(stop),
         settings_(settings),
         look_ahead_(settings, unit_, stop),
+        merged_look_ahead_(settings, unit_, stop, memory),
         paths_(paths),
-        segments_(segments) {
+        segments_(segments),
+        lowest_shared_score_(UnitPaths::lowest_score(unit_.length(), settings)) {
     now_.place = Direction::place(sat);
     now_.cursor = Direction::cursor(sat);
     now_.totals = {sat.score, sat.mismatches, sat.insertions, sat.deletions, sat.num_Ns};
@@ -54,7 +59,7 @@ class Extension {
         break;
       }
       if (is_as_good_as_best()) best_ = now_;
-      if (paths_ != nullptr && now_.totals.score >= paths_->lowest_score() && !follow_ways()) {
+      if (paths_ != nullptr && now_.totals.score >= lowest_shared_score_ && !follow_ways()) {
         keep = is_as_good_as_best();
         break;
       }
@@ -119,7 +124,17 @@ class Extension {
     return true;
   }
 
-  Move decide(const State& state, std::int64_t best_score) const {
+  // Close to the floor there are so few paths that looking for equal states costs more than it
+  // saves.
+  bool has_few_paths(std::int64_t score) const {
+    const std::int64_t worst_edit = std::min(settings_.mismatch_score, settings_.indel_score);
+    return score + kFewEdits * worst_edit <= settings_.threshold(score, unit_.length());
+  }
+
+  Move decide(const State& state, std::int64_t best_score) {
+    if (merged_look_ahead_.can_judge(state.totals.score) && !has_few_paths(state.totals.score)) {
+      return merged_look_ahead_.best_move(state.place, state.cursor, state.totals.score);
+    }
     return look_ahead_
         .best_move(state.place, state.cursor, state.totals.score, sat_.recursion_level, best_score)
         .move;
@@ -180,12 +195,12 @@ class Extension {
     segments_->push_back({first, first});
     for (;;) {
       const PathEnd end =
-          forest.follow(first, start.totals, paths_->lowest_score(), best_.totals.score);
+          forest.follow(first, start.totals, lowest_shared_score_, best_.totals.score);
       if (end.best_node != kNoNode) best_ = state_at(start, end.best_node, end.best_totals);
       now_ = state_at(start, end.node, end.totals);
       segments_->back().to = end.node;
       if (forest[end.node].is_terminal) return false;
-      if (now_.totals.score < paths_->lowest_score()) return true;
+      if (now_.totals.score < lowest_shared_score_) return true;
       lengthen(end.node);
     }
   }
@@ -226,7 +241,7 @@ class Extension {
       const std::uint32_t phase = phase_of(state);
       id = forest.find(place, phase);
       if (id != kNoNode) break;
-      if (state.totals.score < paths_->lowest_score()) {
+      if (state.totals.score < lowest_shared_score_) {
         id = forest.add_root(place, phase, false);
         break;
       }
@@ -243,7 +258,7 @@ class Extension {
   }
 
   // Makes the decision at `state` and goes on to the next decision point; false if there is none.
-  bool make_decision(State& state, Decision& decision) const {
+  bool make_decision(State& state, Decision& decision) {
     const PathTotals before = state.totals;
     decision.move = decide(state, state.totals.score);
     apply(state, decision.move);
@@ -268,8 +283,10 @@ class Extension {
   const char* stop_;
   const AlignmentSettings& settings_;
   LeapAhead<Direction> look_ahead_;
+  MergedLookAhead<Direction> merged_look_ahead_;
   UnitPaths* paths_;
   std::vector<PathSegment>* segments_;
+  std::int64_t lowest_shared_score_;
   UnitPhases::Unit phases_;
   bool phases_known_ = false;
   State now_;
@@ -279,22 +296,24 @@ class Extension {
 }  // namespace
 
 template <class Direction>
-void extend(Csat& sat, const char* stop, const AlignmentSettings& settings, UnitPaths* paths,
-            std::vector<PathSegment>* segments) {
-  Extension<Direction>(sat, stop, settings, paths, segments).run();
+void extend(Csat& sat, const char* stop, const AlignmentSettings& settings,
+            MergedLookAheadMemory& memory, UnitPaths* paths, std::vector<PathSegment>* segments) {
+  Extension<Direction>(sat, stop, settings, memory, paths, segments).run();
 }
 
-template void extend<Forward>(Csat&, const char*, const AlignmentSettings&, UnitPaths*,
-                              std::vector<PathSegment>*);
-template void extend<Backward>(Csat&, const char*, const AlignmentSettings&, UnitPaths*,
-                               std::vector<PathSegment>*);
+template void extend<Forward>(Csat&, const char*, const AlignmentSettings&, MergedLookAheadMemory&,
+                              UnitPaths*, std::vector<PathSegment>*);
+template void extend<Backward>(Csat&, const char*, const AlignmentSettings&, MergedLookAheadMemory&,
+                               UnitPaths*, std::vector<PathSegment>*);
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* end) {
-  extend<Forward>(sat, end, AlignmentSettings());
+  MergedLookAheadMemory memory;
+  extend<Forward>(sat, end, AlignmentSettings(), memory);
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* begin) {
-  extend<Backward>(sat, begin, AlignmentSettings());
+  MergedLookAheadMemory memory;
+  extend<Backward>(sat, begin, AlignmentSettings(), memory);
 }
 
 void CSearchController::restore_events(Csat& sat) {

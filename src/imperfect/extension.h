@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "imperfect/merged_look_ahead.h"
 #include "imperfect/unit_paths.h"
 #include "search/csat.h"
 
@@ -17,7 +18,8 @@ namespace vorlan {
 /// counted, but stand in `segments` instead of in the events of `sat`.
 template <class Direction>
 void extend(Csat& sat, const char* stop, const AlignmentSettings& settings,
-            UnitPaths* paths = nullptr, std::vector<PathSegment>* segments = nullptr);
+            MergedLookAheadMemory& memory, UnitPaths* paths = nullptr,
+            std::vector<PathSegment>* segments = nullptr);
 
 /// The event of a move from `place`. A deletion is recorded at the residue to the right of the gap,
 /// whichever way the extension goes.

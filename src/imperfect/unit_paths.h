@@ -18,25 +18,28 @@ struct PathSegment {
   NodeId to;
 };
 
-/// What the extensions of one unit length in one sequence have found out.
+/// What the extensions in one sequence have found out. Unit lengths share it: ACAC reads like AC.
 class UnitPaths {
  public:
   /// `seq_begin` is where places are counted from.
-  UnitPaths(const char* seq_begin, std::ptrdiff_t unit_length, const AlignmentSettings& settings)
+  UnitPaths(const char* seq_begin, const AlignmentSettings& settings)
       : seq_begin_(seq_begin),
-        lowest_score_(lowest_shared_score(unit_length, settings)),
         forward_(settings.prefer_longer_repeat != 0),
         backward_(settings.prefer_longer_repeat != 0) {}
 
   /// Whether decisions can be shared at all: a limit of the score reduction makes them depend on
   /// the best score, and a look-ahead of unlimited depth reaches every floor.
   static bool can_share(const AlignmentSettings& settings) {
-    return settings.maximum_scorereduction == kNoScoreLimit &&
-           settings.maximum_recursion_depth <= kDeepestLevel;
+    return settings.has_constant_threshold() && settings.deepest_level() > 0;
   }
 
-  /// Ways are followed and stored only while the score is at least this.
-  std::int64_t lowest_score() const { return lowest_score_; }
+  /// Ways are followed and stored only while the score is at least this: then no edit that the
+  /// look-ahead may try, at any level, comes down to the floor.
+  static std::int64_t lowest_score(std::ptrdiff_t unit_length, const AlignmentSettings& settings) {
+    const std::int64_t floor = -unit_length - settings.prefer_longer_repeat;
+    const std::int64_t worst_edit = std::min(settings.mismatch_score, settings.indel_score);
+    return std::max(floor + 1 - worst_edit * settings.maximum_recursion_depth, kWorthStoring);
+  }
 
   std::size_t stored_nodes() const { return forward_.size() + backward_.size(); }
 
@@ -59,22 +62,11 @@ class UnitPaths {
   const PathForest& forest(Backward) const { return backward_; }
 
  private:
-  static constexpr int kDeepestLevel = 255;
-
   /// Extensions that never get this far are over soon, whatever the floor; storing their ways would
   /// cost more than it saves.
   static constexpr std::int64_t kWorthStoring = 10;
 
-  /// From here on no edit that the look-ahead may try, at any level, comes down to the floor.
-  static std::int64_t lowest_shared_score(std::ptrdiff_t unit_length,
-                                          const AlignmentSettings& settings) {
-    const std::int64_t floor = -unit_length - settings.prefer_longer_repeat;
-    const std::int64_t worst_edit = std::min(settings.mismatch_score, settings.indel_score);
-    return std::max(floor + 1 - worst_edit * settings.maximum_recursion_depth, kWorthStoring);
-  }
-
   const char* seq_begin_;
-  std::int64_t lowest_score_;
   UnitPhases phases_;
   PathForest forward_;
   PathForest backward_;

@@ -13,18 +13,15 @@ UnitPhases::Unit UnitPhases::of(std::string_view unit) {
   for (std::size_t i = 1; i < length; ++i) {
     if (rotations.compare(i, length, rotations, smallest, length) < 0) smallest = i;
   }
-  const std::string canonical(rotations.substr(smallest, length));
-  auto found = classes_.find(canonical);
-  if (found == classes_.end()) {
-    // The next place where the unit written twice holds it again is one period on.
-    const auto period = static_cast<std::uint32_t>(rotations.find(unit, 1));
-    found = classes_.emplace(canonical, Class{next_base_, period}).first;
-    next_base_ += period;
-  }
+  // The next place where the unit written twice holds it again is one period on.
+  const std::size_t period = rotations.find(unit, 1);
+  const auto [found, is_new] =
+      bases_.emplace(std::string(rotations.substr(smallest, period)), next_base_);
+  if (is_new) next_base_ += static_cast<std::uint32_t>(period);
   Unit result;
-  result.base_ = found->second.base;
+  result.base_ = found->second;
   result.length_ = static_cast<std::uint32_t>(length);
-  result.period_ = found->second.period;
+  result.period_ = static_cast<std::uint32_t>(period);
   result.rotation_ = static_cast<std::uint32_t>(smallest);
   return result;
 }

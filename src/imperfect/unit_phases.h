@@ -37,11 +37,8 @@ class UnitPhases {
   Unit of(std::string_view unit);
 
  private:
-  struct Class {
-    std::uint32_t base;
-    std::uint32_t period;
-  };
-  std::unordered_map<std::string, Class> classes_;
+  /// The first of the numbers of a unit, by the smallest rotation of its shortest period.
+  std::unordered_map<std::string, std::uint32_t> bases_;
   std::uint32_t next_base_ = 0;
 };
 

@@ -57,13 +57,14 @@ unsigned CSearchController::longest_unit() const {
       std::min<std::size_t>(global_max_unit_length, shorter_than_sequence));
 }
 
-void CSearchController::report_progress(std::ptrdiff_t begin, std::ptrdiff_t end,
-                                        unsigned unit_length) {
-  const std::ptrdiff_t first = (begin + kPositionsPerProgressCheck - 1) /
-                               kPositionsPerProgressCheck * kPositionsPerProgressCheck;
-  for (std::ptrdiff_t start = first; start < end; start += kPositionsPerProgressCheck) {
-    if (!console_.check_report_status()) continue;
-    console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
+void CSearchController::report_progress(ScanProgress& progress, std::ptrdiff_t end,
+                                        std::ptrdiff_t first_visited) {
+  for (; progress.next_check < end; progress.next_check += kPositionsPerProgressCheck) {
+    // The scan for unit length 1 does not visit N, nor the inside of an exact repeat.
+    const bool is_visited = progress.unit_length > 1 || (progress.next_check >= first_visited &&
+                                                         seq_begin()[progress.next_check] != 'N');
+    if (!is_visited || !console_.check_report_status()) continue;
+    console_.report_status(sequence_number, sequence.name.terminate(), progress.unit_length, 'r');
   }
 }
 

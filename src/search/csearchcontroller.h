@@ -16,6 +16,7 @@ namespace vorlan {
 
 class BitPlanes;
 class CAnchorSeq;
+class UnitPaths;
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
 /// searching. Construct one for each record, call one search, then `remove_hidden` and
@@ -89,15 +90,23 @@ class CSearchController {
   bool is_shown(const Csat& sat) const;
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
-                                              CAnchorSeq& anchors, std::list<Csat*>& results);
+                                              UnitPaths& paths, CAnchorSeq& anchors,
+                                              std::list<Csat*>& results);
   /// Finds the events of a repeat that was found without noting them all. An alignment is a
   /// function of its start, so it is made again; of the thousands of long alignments that an array
   /// yields, nearly all are removed and never need theirs.
   void restore_events(Csat& sat);
 
-  /// Shows a progress line for each of the starts [begin, end) that is one of every 256 positions,
-  /// if a line is due.
-  void report_progress(std::ptrdiff_t begin, std::ptrdiff_t end, unsigned unit_length);
+  /// How far the scan for a unit length has asked for progress.
+  struct ScanProgress {
+    unsigned unit_length;
+    std::ptrdiff_t next_check = 0;
+  };
+
+  /// Shows a progress line for each start below `end` that is one of every 256, was not asked for
+  /// before and is visited by the scan, if a line is due. Starts below `first_visited` are not.
+  void report_progress(ScanProgress& progress, std::ptrdiff_t end,
+                       std::ptrdiff_t first_visited = 0);
 
   SearchConsole console_;
 };

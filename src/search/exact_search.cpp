@@ -104,25 +104,27 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
   const ExactFilter filter(planes, unit_length, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_length);
   SpareSat spare;
-  const char* next_start = seq_begin();
+  ScanProgress progress{unit_length};
+  std::ptrdiff_t next_start = 0;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
     StartBlock block(begin, scan.starts());
-    report_progress(block.begin(), block.end(), unit_length);
     block.collect(begin, unit_length, mask, planes, filter);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
+      report_progress(progress, offset + 1, next_start);
       const char* start = seq_begin() + offset;
-      if (start < next_start || !scan.is_unit(start)) continue;
+      if (offset < next_start || !scan.is_unit(start)) continue;
       Csat& sat = spare.candidate(start, start + unit_length);
       extension.extend(sat);
       if (!sat.reaches(min_score, min_length)) continue;
       exact_sats.push_back(spare.release());
       if (unit_length == 1) {
-        next_start = sat.pos_right;
+        next_start = sat.pos_right - seq_begin();
       } else if (is_shown(sat)) {
         mask.close(sat);
         block.collect(offset + 1, unit_length, mask, planes, filter);
       }
     }
+    report_progress(progress, block.end(), next_start);
   }
 }
 

@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+#
+# The front door: short targets over the presets of CMakePresets.json.
+#
+#   make run                 search the bundled example with the default settings
+#   make run ARGS="-M exact genome.fa report.txt"
+#   make test                run every test
+#   make test-asan           the same under the sanitizers, with g++ and with clang++
+#   make test-clang          the same, built with clang++, warnings as errors
+#   make bench               measure speed and memory
+#   make lint                check format and run clang-tidy
+#   make install             PREFIX (default /usr/local) and DESTDIR as usual
+#   make clean
+
+ARGS ?= examples/androgen_receptor.fa
+PREFIX ?= /usr/local
+DESTDIR ?=
+
+need = @tools/install-missing-packages.sh
+configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
+build = @cmake --build --preset $(1) >&2
+
+.PHONY: build run test test-asan test-clang bench lint install clean
+
+build:
+	$(need) build
+	$(call configure,release,OFF)
+	$(call build,release)
+
+run: build
+	@build/release/vorlan $(ARGS)
+
+# Configures, builds and tests the preset $(1).
+define run_tests
+	$(call configure,$(1),ON)
+	$(call build,$(1))
+	@ctest --preset $(1)
+endef
+
+test:
+	$(need) build test
+	$(call run_tests,release)
+
+test-asan:
+	$(need) build test clang
+	$(call run_tests,asan)
+	$(call run_tests,asan-clang)
+
+test-clang:
+	$(need) build test clang
+	$(call run_tests,clang)
+
+bench:
+	$(need) build bench
+	$(call configure,bench,OFF)
+	$(call build,bench)
+	@bench/run_bench.py build/bench
+
+lint:
+	$(need) build test lint
+	$(call configure,dev,ON)
+	@tools/lint.sh build/dev
+
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+clean:
+	@rm -rf build

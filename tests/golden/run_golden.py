@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+"""Compare a program with golden cases, byte for byte.
+
+    run_golden.py BINARY CASE_DIR [CASE_DIR...]
+
+Status, standard output, standard error (but for the clock of progress lines) and the exact set of files with
+their contents must be as the case says. Ends with 'N passed, N failed'; status 1 if any failed or none ran.
+"""
+
+from __future__ import annotations
+
+import subprocess
+import sys
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+
+from golden_case import Outcome, Program, expected, run
+
+LONGEST_LINE_SHOWN = 300
+
+
+def first_difference(name: str, want: bytes, got: bytes) -> list[str]:
+    """The first line that differs, if any."""
+    want_lines, got_lines = want.splitlines(keepends=True), got.splitlines(keepends=True)
+    for number in range(max(len(want_lines), len(got_lines))):
+        pair = [lines[number] if number < len(lines) else None for lines in (want_lines, got_lines)]
+        if pair[0] != pair[1]:
+            shown = ["(nothing)" if line is None else repr(line)[1:LONGEST_LINE_SHOWN] for line in pair]
+            return [f"  {name}, line {number + 1}", f"    expected {shown[0]}", f"    got      {shown[1]}"]
+    return []
+
+
+def compare_files(want: dict[str, bytes], got: dict[str, bytes]) -> list[str]:
+    problems = [f"  file {name} is missing" for name in sorted(want.keys() - got.keys())]
+    problems += [f"  file {name} should not be there" for name in sorted(got.keys() - want.keys())]
+    for name in sorted(want.keys() & got.keys()):
+        problems += first_difference(f"file {name}", want[name], got[name])
+    return problems
+
+
+def compare(want: Outcome, got: Outcome) -> list[str]:
+    problems = [] if want.status == got.status else [f"  status: expected {want.status}, got {got.status}"]
+    problems += first_difference("stdout", want.stdout, got.stdout)
+    problems += first_difference("stderr", want.stderr, got.stderr)
+    return problems + compare_files(want.files, got.files)
+
+
+def check(program: Program, case: Path) -> list[str]:
+    """What is wrong with a case; a case that cannot be read or run is wrong, too."""
+    try:
+        want = expected(case)
+        if not (case / "why").read_text().strip():
+            return ["  why is empty"]
+        return compare(want, run(program, case))
+    except (OSError, ValueError, subprocess.TimeoutExpired) as problem:
+        return [f"  {problem}"]
+
+
+def main(words: list[str]) -> int:
+    if len(words) < 2:
+        sys.stderr.write(__doc__ or "")
+        return 1
+    program = Program(str(Path(words[0]).resolve()), ("vorlan",))
+    failed = 0
+    for case in map(Path, words[1:]):
+        problems = check(program, case)
+        if problems:
+            failed += 1
+            print("\n".join([f"FAILED {case.resolve().name}"] + problems))
+    passed = len(words) - 1 - failed
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

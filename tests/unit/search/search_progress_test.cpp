@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "search/csearchcontroller.h"
+#include "support/dna.h"
+#include "support/fresh_settings.h"
+#include "support/recording_console.h"
+
+namespace vorlan {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// How a search is started.
+using Search = void (*)(CSearchController&);
+
+class SearchProgress : public FreshSettings, public ::testing::WithParamInterface<Search> {
+ protected:
+  static std::vector<unsigned> unit_lengths_shown(const std::string& bases) {
+    const RecordingConsole console(true);
+    Dna dna(bases);
+    CSearchController controller(7, dna, console.hooks());
+    GetParam()(controller);
+    return RecordingConsole::unit_lengths();
+  }
+};
+
+// 600 bases: starts 0, 256 and 512 ask in every unit length.
+TEST_P(SearchProgress, IsAskedForEvery256StartsAndAtEachUnitLength) {
+  global_max_unit_length = 3;
+  EXPECT_THAT(unit_lengths_shown(repeated("ACGT", 150)), ElementsAre(1, 1, 1, 2, 2, 2, 3, 3, 3));
+}
+
+TEST_P(SearchProgress, ShowsRecordNumberNameAndUnitLength) {
+  const RecordingConsole console(true);
+  Dna dna("ACGTACGTACGT", "chr1 some text");
+  search_only(4);
+  CSearchController controller(7, dna, console.hooks());
+  GetParam()(controller);
+  EXPECT_THAT(RecordingConsole::lines,
+              ElementsAre(RecordingConsole::ProgressLine{7, "chr1", 4, 'r'}));
+}
+
+TEST_P(SearchProgress, AUnitLengthAsLongAsTheSequenceIsNotWorkedOn) {
+  global_max_unit_length = 10;
+  EXPECT_THAT(unit_lengths_shown("ACGTA"), ElementsAre(1, 2, 3, 4));
+}
+
+// Base 0 is N and so never a start of unit length 1, but a position of the scan for longer ones.
+TEST_P(SearchProgress, InUnitLength1OnlyStartsThatAreVisitedAsk) {
+  global_max_unit_length = 2;
+  EXPECT_THAT(unit_lengths_shown("NACGTACGT"), ElementsAre(2));
+}
+
+TEST_P(SearchProgress, NothingIsShownWhenNoLineIsDue) {
+  const RecordingConsole console(false);
+  Dna dna(repeated("ACGT", 150));
+  global_max_unit_length = 3;
+  CSearchController controller(7, dna, console.hooks());
+  GetParam()(controller);
+  EXPECT_EQ(RecordingConsole::questions, 9);
+  EXPECT_THAT(RecordingConsole::lines, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ExactAndImperfect, SearchProgress,
+    ::testing::Values(
+        +[](CSearchController& controller) { controller.exact_search_2(); },
+        +[](CSearchController& controller) { controller.complete_imperfect_search(nullptr); }),
+    [](const auto& test) { return std::string(test.index == 0 ? "Exact" : "Imperfect"); });
+
+using ExactSearchProgress = FreshSettings;
+
+// 300 A are one repeat: the scan goes on behind it at 300 and passes start 256 over.
+TEST_F(ExactSearchProgress, PassesOverTheStartsInsideARunOfOneBase) {
+  const RecordingConsole console(true);
+  Dna dna(std::string(300, 'A') + repeated("CG", 150));
+  search_only(1);
+  CSearchController controller(7, dna, console.hooks());
+  controller.exact_search_2();
+  EXPECT_THAT(RecordingConsole::unit_lengths(), ElementsAre(1, 1));
+}
+
+}  // namespace
+}  // namespace vorlan

@@ -1,0 +1,51 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+#
+# install-missing-packages.sh GROUP...: installs the Debian packages that the groups need and that
+# are not there yet. When all is there, no package tool is called, so it works offline.
+set -eu
+
+# A line per package: what shows that it is there (a command, or a file), and its name.
+packages_of() {
+  case "$1" in
+    build) echo 'g++ g++
+cmake cmake
+ninja ninja-build
+/usr/include/tclap/CmdLine.h libtclap-dev' ;;
+    test) echo '/usr/include/gtest/gtest.h libgtest-dev
+python3 python3' ;;
+    clang) echo 'clang++ clang' ;;
+    bench) echo '/usr/include/benchmark/benchmark.h libbenchmark-dev
+python3 python3' ;;
+    lint) echo 'clang-format clang-format
+clang-tidy clang-tidy' ;;
+    *) echo "install-missing-packages.sh: unknown group: $1" >&2; exit 2 ;;
+  esac
+}
+
+is_there() {
+  case "$1" in
+    /*) [ -e "$1" ] ;;
+    *) command -v "$1" >/dev/null 2>&1 ;;
+  esac
+}
+
+missing=
+for group in "$@"; do
+  lines=$(packages_of "$group")
+  while read -r sign package; do
+    is_there "$sign" || missing="$missing $package"
+  done <<END
+$lines
+END
+done
+[ -n "$missing" ] || exit 0
+
+as_root=
+[ "$(id -u)" -eq 0 ] || as_root=sudo
+echo "Installing missing packages:$missing" >&2
+$as_root apt-get update -qq >&2
+# shellcheck disable=SC2086 # one word per package
+$as_root env DEBIAN_FRONTEND=noninteractive \
+  apt-get install -y -qq --no-install-recommends $missing >&2
