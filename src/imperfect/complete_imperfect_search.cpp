@@ -40,16 +40,15 @@ constexpr std::size_t kMostStoredNodes = 2'500'000;
 /// Tries the candidates of one unit length, from left to right, and keeps the marks.
 class CandidateTrial {
  public:
-  CandidateTrial(const char* seq_begin, const char* seq_end, unsigned unit_length, int min_score,
-                 int min_length, UnitPaths& paths, CAnchorSeq& anchors)
-      : seq_begin_(seq_begin),
-        seq_end_(seq_end),
+  /// `context` holds the stored ways of the search.
+  CandidateTrial(ExtensionContext& context, UnitPaths& paths, unsigned unit_length, int min_score,
+                 int min_length, CAnchorSeq& anchors)
+      : context_(context),
+        paths_(paths),
         unit_length_(unit_length),
         min_score_(min_score),
         min_length_(min_length),
-        shares_ways_(UnitPaths::can_share(settings_)),
-        paths_(paths),
-        painter_(anchors, paths_, seq_begin) {}
+        painter_(anchors, paths, context.seq_begin) {}
 
   MarkPainter& painter() { return painter_; }
 
@@ -58,9 +57,8 @@ class CandidateTrial {
     Csat& sat = spare_.candidate(start, start + unit_length_);
     std::vector<PathSegment> forward;
     std::vector<PathSegment> backward;
-    UnitPaths* paths = shares_ways_ ? &paths_ : nullptr;
-    extend<Forward>(sat, seq_end_, settings_, memory_, paths, &forward);
-    extend<Backward>(sat, seq_begin_, settings_, memory_, paths, &backward);
+    extend<Forward>(sat, context_, forward);
+    extend<Backward>(sat, context_, backward);
     sat.trim_Ns();
     if (!sat.reaches(min_score_, min_length_)) return nullptr;
     const std::uint32_t edits = sat.mismatches + sat.insertions + sat.deletions;
@@ -83,15 +81,11 @@ class CandidateTrial {
     paths_.forget();
   }
 
-  const char* seq_begin_;
-  const char* seq_end_;
+  ExtensionContext& context_;
+  UnitPaths& paths_;
   unsigned unit_length_;
   int min_score_;
   int min_length_;
-  AlignmentSettings settings_;
-  MergedLookAheadMemory memory_;
-  bool shares_ways_;
-  UnitPaths& paths_;
   MarkPainter painter_;
   SpareSat spare_;
 };
@@ -101,22 +95,22 @@ class CandidateTrial {
 void CSearchController::complete_imperfect_search(std::FILE*) {
   CAnchorSeq anchors(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), CandidateFilter::margin(longest_unit()));
-  UnitPaths paths(seq_begin(), AlignmentSettings());
+  ExtensionContext context{.seq_begin = seq_begin(), .seq_end = seq_end(), .planes = &planes};
+  UnitPaths paths(seq_begin(), context.settings);
+  if (UnitPaths::can_share(context.settings)) context.paths = &paths;
   for (unsigned unit_len = global_min_unit_length; unit_len <= longest_unit(); ++unit_len) {
-    one_unit_len_complete_imperfect_search(unit_len, planes, paths, anchors, imperfect_sats);
+    one_unit_len_complete_imperfect_search(unit_len, planes, context, paths, anchors,
+                                           imperfect_sats);
     if (unit_len == 1) anchors.reset();
   }
   imperfect_sats.sort(lessThan_sat);
 }
 
-void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len,
-                                                               const BitPlanes& planes,
-                                                               UnitPaths& paths,
-                                                               CAnchorSeq& anchors,
-                                                               std::list<Csat*>& results) {
+void CSearchController::one_unit_len_complete_imperfect_search(
+    unsigned unit_len, const BitPlanes& planes, ExtensionContext& context, UnitPaths& paths,
+    CAnchorSeq& anchors, std::list<Csat*>& results) {
   const int min_score = (*minScores)[unit_len];
-  CandidateTrial trial(seq_begin(), seq_end(), unit_len, min_score, (*minLengths)[unit_len], paths,
-                       anchors);
+  CandidateTrial trial(context, paths, unit_len, min_score, (*minLengths)[unit_len], anchors);
   CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
   ScanProgress progress{unit_len};

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -36,6 +37,20 @@ struct Forward {
   static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
     return unit.begin + (cursor - unit.begin + steps) % unit.length();
   }
+  /// Of a word of bits, one for each residue ahead: the first bit set from `skip` on; 64 if none
+  /// is.
+  static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
+    return bits >> skip == 0 ? 64 : skip + std::countr_zero(bits >> skip);
+  }
+  /// Where the word begins that holds the residue `ahead` residues ahead of `place`.
+  static std::ptrdiff_t first_of_word(std::ptrdiff_t place, std::ptrdiff_t ahead) {
+    return place + ahead;
+  }
+  /// The unit base that is due there on `diagonal`, when `cursor` is due at the place.
+  static std::ptrdiff_t first_of_word(std::ptrdiff_t cursor, std::ptrdiff_t ahead,
+                                      std::ptrdiff_t diagonal) {
+    return cursor + ahead - diagonal;
+  }
   static const char*& place(Csat& sat) { return sat.pos_right; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_fwd; }
 };
@@ -54,6 +69,17 @@ struct Backward {
   }
   static const char* unit_base_after(const char* cursor, UnitSpan unit, std::ptrdiff_t steps) {
     return unit.end - 1 - (unit.end - 1 - cursor + steps) % unit.length();
+  }
+  // The residue next to the place has the highest bit.
+  static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
+    return bits << skip == 0 ? 64 : skip + std::countl_zero(bits << skip);
+  }
+  static std::ptrdiff_t first_of_word(std::ptrdiff_t place, std::ptrdiff_t ahead) {
+    return place - ahead - 64;
+  }
+  static std::ptrdiff_t first_of_word(std::ptrdiff_t cursor, std::ptrdiff_t ahead,
+                                      std::ptrdiff_t diagonal) {
+    return cursor - ahead + diagonal - 63;
   }
   static const char*& place(Csat& sat) { return sat.pos_left; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_bwd; }

@@ -27,27 +27,36 @@ namespace vorlan {
 namespace {
 
 /// With room for this many edits at most, the look-ahead goes path by path.
-constexpr int kFewEdits = 5;
+constexpr int kFewEdits = 3;
+
+const char* stop_of(Forward, const ExtensionContext& context) { return context.seq_end; }
+const char* stop_of(Backward, const ExtensionContext& context) { return context.seq_begin; }
+
+MergedLookAheadMemory<Forward>& memory_of(Forward, ExtensionContext& context) {
+  return context.forward_memory;
+}
+MergedLookAheadMemory<Backward>& memory_of(Backward, ExtensionContext& context) {
+  return context.backward_memory;
+}
 
 template <class Direction>
 class Extension {
  public:
-  Extension(Csat& sat, const char* stop, const AlignmentSettings& settings,
-            MergedLookAheadMemory& memory, UnitPaths* paths, std::vector<PathSegment>* segments)
+  Extension(Csat& sat, ExtensionContext& context, std::vector<PathSegment>& segments)
       : sat_(sat),
         unit_{sat.unit_begin, sat.unit_end},
-        stop_(stop),
-        settings_(settings),
-        look_ahead_(settings, unit_, stop),
-        merged_look_ahead_(settings, unit_, stop, memory),
-        paths_(paths),
+        stop_(stop_of(Direction{}, context)),
+        settings_(context.settings),
+        look_ahead_(settings_, unit_, stop_),
+        merged_look_ahead_(settings_, unit_, stop_, context.planes, context.seq_begin,
+                           memory_of(Direction{}, context)),
+        paths_(context.paths),
         segments_(segments),
-        lowest_shared_score_(UnitPaths::lowest_score(unit_.length(), settings)) {
+        lowest_shared_score_(UnitPaths::lowest_score(unit_.length(), settings_)) {
     now_.place = Direction::place(sat);
     now_.cursor = Direction::cursor(sat);
     now_.totals = {sat.score, sat.mismatches, sat.insertions, sat.deletions, sat.num_Ns};
     now_.events = sat.missense.size;
-    if (segments_ != nullptr) now_.segments = segments_->size();
     best_ = now_;
   }
 
@@ -176,9 +185,8 @@ class Extension {
     sat_.deletions = state.totals.deletions;
     sat_.num_Ns = state.totals.num_Ns;
     sat_.missense.size = state.events;
-    if (segments_ == nullptr) return;
-    segments_->resize(state.segments);
-    if (state.segment_end != kNoNode) segments_->back().to = state.segment_end;
+    segments_.resize(state.segments);
+    if (state.segment_end != kNoNode) segments_.back().to = state.segment_end;
   }
 
   // From a decision point with a high score, follows the stored way and lengthens it as needed,
@@ -191,14 +199,14 @@ class Extension {
     PathForest& forest = paths_->forest(Direction{});
     const NodeId first = node_of(now_);
     const State start = now_;
-    segments_->resize(start.segments);
-    segments_->push_back({first, first});
+    segments_.resize(start.segments);
+    segments_.push_back({first, first});
     for (;;) {
       const PathEnd end =
           forest.follow(first, start.totals, lowest_shared_score_, best_.totals.score);
       if (end.best_node != kNoNode) best_ = state_at(start, end.best_node, end.best_totals);
       now_ = state_at(start, end.node, end.totals);
-      segments_->back().to = end.node;
+      segments_.back().to = end.node;
       if (forest[end.node].is_terminal) return false;
       if (now_.totals.score < lowest_shared_score_) return true;
       lengthen(end.node);
@@ -285,7 +293,7 @@ class Extension {
   LeapAhead<Direction> look_ahead_;
   MergedLookAhead<Direction> merged_look_ahead_;
   UnitPaths* paths_;
-  std::vector<PathSegment>* segments_;
+  std::vector<PathSegment>& segments_;
   std::int64_t lowest_shared_score_;
   UnitPhases::Unit phases_;
   bool phases_known_ = false;
@@ -296,24 +304,23 @@ class Extension {
 }  // namespace
 
 template <class Direction>
-void extend(Csat& sat, const char* stop, const AlignmentSettings& settings,
-            MergedLookAheadMemory& memory, UnitPaths* paths, std::vector<PathSegment>* segments) {
-  Extension<Direction>(sat, stop, settings, memory, paths, segments).run();
+void extend(Csat& sat, ExtensionContext& context, std::vector<PathSegment>& segments) {
+  Extension<Direction>(sat, context, segments).run();
 }
 
-template void extend<Forward>(Csat&, const char*, const AlignmentSettings&, MergedLookAheadMemory&,
-                              UnitPaths*, std::vector<PathSegment>*);
-template void extend<Backward>(Csat&, const char*, const AlignmentSettings&, MergedLookAheadMemory&,
-                               UnitPaths*, std::vector<PathSegment>*);
+template void extend<Forward>(Csat&, ExtensionContext&, std::vector<PathSegment>&);
+template void extend<Backward>(Csat&, ExtensionContext&, std::vector<PathSegment>&);
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* end) {
-  MergedLookAheadMemory memory;
-  extend<Forward>(sat, end, AlignmentSettings(), memory);
+  ExtensionContext context{.seq_begin = seq_begin(), .seq_end = end};
+  std::vector<PathSegment> none;
+  extend<Forward>(sat, context, none);
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* begin) {
-  MergedLookAheadMemory memory;
-  extend<Backward>(sat, begin, AlignmentSettings(), memory);
+  ExtensionContext context{.seq_begin = begin, .seq_end = seq_end()};
+  std::vector<PathSegment> none;
+  extend<Backward>(sat, context, none);
 }
 
 void CSearchController::restore_events(Csat& sat) {

@@ -28,6 +28,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -35,36 +36,52 @@
 #include <vector>
 
 #include "imperfect/leap_ahead.h"
+#include "imperfect/mismatch_masks.h"
 
 namespace vorlan {
 
 /// Memory of the look-ahead, reused from decision to decision. Scores are relative to the decision.
+template <class Direction>
 struct MergedLookAheadMemory {
   struct State {
     std::int32_t advance;   ///< Residues consumed since the decision.
-    std::int32_t diagonal;  ///< Insertions - deletions since the decision, modulo the diagonals.
-    std::int32_t cursor;    ///< Offset of the unit base that is due.
+    std::int32_t diagonal;  ///< Insertions - deletions since the decision.
     std::int32_t score;
 
     std::int32_t lead() const { return score - advance; }
   };
 
+  /// The states of one diagonal, of all levels. Only the first few are kept: what is not kept
+  /// prunes nothing, which costs time, not exactness.
+  struct Seen {
+    static constexpr std::size_t kMost = 8;
+    std::size_t count = 0;
+    std::array<State, kMost> states;
+  };
+
   std::vector<State> level;
   std::vector<State> next_level;
-  std::vector<std::vector<State>> seen;  ///< By diagonal, of all levels.
+  std::vector<Seen> seen;
+  PeriodicUnit unit;
+  MismatchMasks<Direction> masks;
 };
 
 /// See above. Makes the same decisions as LeapAhead::best_move at level 0.
 template <class Direction>
 class MergedLookAhead {
  public:
+  using Memory = MergedLookAheadMemory<Direction>;
+
+  /// `planes`, if not null, are those of the sequence that begins at `seq_begin`: they make walks
+  /// faster.
   MergedLookAhead(const AlignmentSettings& settings, UnitSpan unit, const char* stop,
-                  MergedLookAheadMemory& memory)
+                  const BitPlanes* planes, const char* seq_begin, Memory& memory)
       : settings_(settings),
         unit_(unit),
         stop_(stop),
+        planes_(planes),
+        seq_begin_(seq_begin),
         floor_(-unit.length() - settings.prefer_longer_repeat),
-        last_unit_base_(static_cast<std::int32_t>(unit.length()) - 1),
         diagonals_(number_of_diagonals(settings, unit)),
         memory_(memory) {}
 
@@ -77,22 +94,32 @@ class MergedLookAhead {
 
   Move best_move(const char* place, const char* cursor, std::int64_t score) {
     origin_ = place;
+    cursor_ = cursor - unit_.begin;
     relative_floor_ = static_cast<std::int32_t>(floor_ - score);
-    const State here{0, 0, static_cast<std::int32_t>(cursor - unit_.begin), 0};
+    memory_.seen.resize(static_cast<std::size_t>(diagonals_));
+    if (planes_ != nullptr) {
+      if (!unit_is_written_) memory_.unit.assign(unit_);
+      unit_is_written_ = true;
+      memory_.masks.start(planes_->words(), memory_.unit, place - seq_begin_, cursor_,
+                          memory_.seen.size());
+    }
     // On equal values a mismatch comes before an insertion and that before a deletion.
     Move best = Move::kNone;
     std::int32_t best_value = kUnreached;
-    for (const Move move : {Move::kMismatch, Move::kInsertion, Move::kDeletion}) {
-      const std::int32_t value = value_of(move, here);
-      if (value <= best_value) continue;
+    const auto try_first = [&](Move move, std::int32_t value) {
+      if (value <= best_value) return;
       best = move;
       best_value = value;
-    }
+    };
+    try_first(Move::kMismatch, value_of<Move::kMismatch>());
+    try_first(Move::kInsertion, value_of<Move::kInsertion>());
+    try_first(Move::kDeletion, value_of<Move::kDeletion>());
     return best;
   }
 
  private:
-  using State = MergedLookAheadMemory::State;
+  using State = typename Memory::State;
+  using Seen = typename Memory::Seen;
 
   static constexpr std::int64_t kLargestScore = 1 << 29;
   static constexpr std::int32_t kUnreached = std::numeric_limits<std::int32_t>::min();
@@ -105,80 +132,104 @@ class MergedLookAhead {
   }
 
   // The highest score behind the first edit `move`; kUnreached if the floor forbids it.
-  std::int32_t value_of(Move move, const State& here) {
-    memory_.seen.resize(static_cast<std::size_t>(diagonals_));
-    for (std::vector<State>& states : memory_.seen) states.clear();
+  template <Move move>
+  std::int32_t value_of() {
+    for (Seen& seen : memory_.seen) seen.count = 0;
     memory_.next_level.clear();
     highest_ = kUnreached;
-    make_edit(move, here);
+    is_last_level_ = settings_.deepest_level() == 1;
+    make_edit<move>({0, 0, 0});
     for (int level = 1; level != settings_.deepest_level() && !memory_.next_level.empty();
          ++level) {
       std::swap(memory_.level, memory_.next_level);
       memory_.next_level.clear();
+      is_last_level_ = level + 1 == settings_.deepest_level();
       for (const State& state : memory_.level) {
-        make_edit(Move::kMismatch, state);
-        make_edit(Move::kInsertion, state);
-        make_edit(Move::kDeletion, state);
+        make_edit<Move::kMismatch>(state);
+        make_edit<Move::kInsertion>(state);
+        make_edit<Move::kDeletion>(state);
       }
     }
     return highest_;
   }
 
-  void make_edit(Move move, State state) {
+  template <Move move>
+  void make_edit(State state) {
     state.score += static_cast<std::int32_t>(move == Move::kMismatch ? settings_.mismatch_score
                                                                      : settings_.indel_score);
     if (state.score <= relative_floor_) return;
     if (move != Move::kDeletion) ++state.advance;
-    if (move != Move::kInsertion) pass_unit_base(state);
-    if (move == Move::kInsertion) {
-      state.diagonal = state.diagonal + 1 == diagonals_ ? 0 : state.diagonal + 1;
-    }
-    if (move == Move::kDeletion) {
-      state.diagonal = state.diagonal == 0 ? diagonals_ - 1 : state.diagonal - 1;
-    }
-    walk(state);
+    if (move == Move::kInsertion) ++state.diagonal;
+    if (move == Move::kDeletion) --state.diagonal;
+    const std::size_t slot = slot_of(state.diagonal);
+    walk(slot, state);
     highest_ = std::max(highest_, state.score);
-    if (!Direction::at_stop(Direction::moved(origin_, state.advance), stop_)) add(state);
+    if (!is_last_level_ && !Direction::at_stop(place_of(state), stop_)) add(slot, state);
   }
 
-  void pass_unit_base(State& state) const {
-    state.cursor = Direction::next_unit_offset(state.cursor, last_unit_base_);
+  std::size_t slot_of(std::int32_t diagonal) const {
+    const std::int32_t remainder = diagonal % diagonals_;
+    return static_cast<std::size_t>(remainder < 0 ? remainder + diagonals_ : remainder);
   }
 
-  void walk(State& state) const {
-    const char* const first_place = Direction::moved(origin_, state.advance);
+  const char* place_of(const State& state) const {
+    return Direction::moved(origin_, state.advance);
+  }
+
+  void walk(std::size_t slot, State& state) {
+    if (planes_ != nullptr) {
+      const std::int32_t end = memory_.masks.next_mismatch(slot, state.diagonal, state.advance);
+      if (end != MismatchMasks<Direction>::kUnknown) {
+        state.score += end - state.advance;
+        state.advance = end;
+        return;
+      }
+    }
+    walk_step_by_step(state);
+  }
+
+  void walk_step_by_step(State& state) const {
+    const std::ptrdiff_t steps = std::ptrdiff_t{state.advance} - state.diagonal;
+    const char* cursor = Direction::unit_base_after(
+        unit_.begin + cursor_, unit_, steps < 0 ? steps % unit_.length() + unit_.length() : steps);
+    const char* const first_place = place_of(state);
     const char* place = first_place;
     for (; !Direction::at_stop(place, stop_); place = Direction::next(place)) {
       const char residue = *Direction::residue(place);
-      if (residue == unit_.begin[state.cursor]) {
+      if (residue == *cursor) {
         ++state.score;
       } else if (residue != 'N' || settings_.longest_N_run == 0) {
         break;
       }
-      pass_unit_base(state);
+      cursor = Direction::next_unit_base(cursor, unit_);
     }
     state.advance += static_cast<std::int32_t>(std::abs(place - first_place));
   }
 
-  void add(const State& state) {
-    std::vector<State>& seen = memory_.seen[static_cast<std::size_t>(state.diagonal)];
-    for (const State& other : seen) {
+  void add(std::size_t slot, const State& state) {
+    Seen& seen = memory_.seen[slot];
+    for (std::size_t i = 0; i < seen.count; ++i) {
+      const State& other = seen.states[i];
       if (other.advance >= state.advance && other.lead() >= state.lead()) return;
     }
-    seen.push_back(state);
+    if (seen.count < Seen::kMost) seen.states[seen.count++] = state;
     memory_.next_level.push_back(state);
   }
 
   const AlignmentSettings& settings_;
   UnitSpan unit_;
   const char* stop_;
+  const BitPlanes* planes_;
+  const char* seq_begin_;
   std::int64_t floor_;
-  std::int32_t last_unit_base_;
   std::int32_t diagonals_;
-  MergedLookAheadMemory& memory_;
+  Memory& memory_;
+  bool unit_is_written_ = false;
   const char* origin_ = nullptr;
+  std::ptrdiff_t cursor_ = 0;
   std::int32_t relative_floor_ = 0;
   std::int32_t highest_ = 0;
+  bool is_last_level_ = false;
 };
 
 }  // namespace vorlan

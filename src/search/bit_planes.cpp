@@ -39,8 +39,7 @@ BitPlanes::BitPlanes(const char* seq_begin, std::size_t seq_len, std::size_t mar
   }
 }
 
-// In ASCII, bits 1 and 2 tell A, C, T and G apart (00, 10, 01, 11). Of the five letters only N has
-// bit 3; its bits 1 and 2 are cleared.
+// Of the five letters only N has bit 3; its bits 1 and 2 are cleared.
 void BitPlanes::fill_word(std::size_t word, const char* letters, std::size_t count) {
   std::uint64_t low = 0;
   std::uint64_t high = 0;

@@ -29,6 +29,17 @@ class BitPlanes {
   /// std::bad_alloc. Cost: linear.
   BitPlanes(const char* seq_begin, std::size_t seq_len, std::size_t margin);
 
+  /// The two bits of a base. In ASCII, bits 1 and 2 tell A, C, T and G apart (00, 10, 01, 11).
+  static std::uint64_t low_bit(char base) { return static_cast<unsigned char>(base) >> 1 & 1U; }
+  static std::uint64_t high_bit(char base) { return static_cast<unsigned char>(base) >> 2 & 1U; }
+
+  /// The 64 bits of a plane from position `first` on, which may lie in the margin.
+  static std::uint64_t bits_at(const std::uint64_t* plane, std::ptrdiff_t first) {
+    const std::ptrdiff_t shift = first & (kBitsPerWord - 1);
+    const std::uint64_t* word = plane + (first - shift) / kBitsPerWord;
+    return (word[0] >> shift) | ((word[1] << 1) << (kBitsPerWord - 1 - shift));
+  }
+
   /// The planes from the word that holds residue 0. Words before it belong to the left margin.
   Words words() const {
     const std::size_t first = margin_words_;

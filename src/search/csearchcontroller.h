@@ -17,6 +17,7 @@ namespace vorlan {
 class BitPlanes;
 class CAnchorSeq;
 class UnitPaths;
+struct ExtensionContext;
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
 /// searching. Construct one for each record, call one search, then `remove_hidden` and
@@ -90,8 +91,8 @@ class CSearchController {
   bool is_shown(const Csat& sat) const;
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
-                                              UnitPaths& paths, CAnchorSeq& anchors,
-                                              std::list<Csat*>& results);
+                                              ExtensionContext& context, UnitPaths& paths,
+                                              CAnchorSeq& anchors, std::list<Csat*>& results);
   /// Finds the events of a repeat that was found without noting them all. An alignment is a
   /// function of its start, so it is made again; of the thousands of long alignments that an array
   /// yields, nearly all are removed and never need theirs.
