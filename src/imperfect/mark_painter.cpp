@@ -29,7 +29,7 @@ NodeId skip_to(const UnitPaths& paths, NodeId id, const char* begin, const char*
     return is_before(Direction{}, paths.place_of(forest[node]), begin, end);
   };
   for (;;) {
-    const NodeId jump = forest[id].jump;
+    const NodeId jump = forest.jump(id);
     const NodeId next = forest.after(id);
     if (next == kNoNode) return id;
     if (jump != id && lies_before(jump)) {

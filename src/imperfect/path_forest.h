@@ -23,10 +23,11 @@
 // CA, arrives at T expecting A as well: the same node.
 //
 // Limits: a root that is passed later gets a continuation, which costs one step each time it is
-// passed. Memory: 64 bytes a node; a forest that has grown too large is forgotten.
+// passed. Memory: about 90 bytes a node; a forest that has grown too large is forgotten.
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <unordered_map>
@@ -64,17 +65,7 @@ struct PathNode {
   std::uint32_t place;  ///< Offset of the place in the sequence.
   std::uint32_t phase;  ///< The unit as read from the place; see UnitPhases.
   Move move = Move::kNone;
-  bool is_terminal = false;       ///< End of the sequence, or an N run that is too long.
-  std::uint32_t depth = 0;        ///< Nodes until the root of the tree.
-  NodeId next = kNoNode;          ///< The next decision point; kNoNode at a root.
-  NodeId jump = kNoNode;          ///< A node further on; a root jumps to itself.
-  NodeId continuation = kNoNode;  ///< Of a root: the node that comes after it.
-  PathTotals to_root{};           ///< What comes between here and the root.
-  PathTotals to_continuation{};   ///< Of a root: what comes between it and its continuation.
-  // Behind this node, up to and with the one at `jump`:
-  std::int64_t highest_to_go = 0;
-  std::int64_t lowest_to_go = 0;
-  NodeId lowest = kNoNode;
+  bool is_terminal = false;  ///< End of the sequence, or an N run that is too long.
 };
 
 /// Where following a way has led.
@@ -85,7 +76,33 @@ struct PathEnd {
   PathTotals best_totals{};
 };
 
-/// The ways in one direction, for one unit length.
+/// From the key of a decision point to its node. Decision points on the same way lie next to each
+/// other, so that a way is looked up from the cache.
+class NodeTable {
+ public:
+  NodeId find(std::uint32_t place, std::uint32_t phase) const;
+  void insert(std::uint32_t place, std::uint32_t phase, NodeId id);
+  void clear();
+
+ private:
+  struct Entry {
+    std::uint32_t place;
+    std::uint32_t phase;
+    NodeId id = kNoNode;
+  };
+
+  std::size_t slot_of(std::uint32_t place, std::uint32_t phase) const {
+    constexpr std::size_t kSpread = 0x9E3779B97F4A7C15;  // an odd number without pattern
+    return (place + phase * kSpread) & (entries_.size() - 1);
+  }
+  void place_entry(const Entry& entry);
+  void grow();
+
+  std::vector<Entry> entries_;  ///< A power of two of them, at most half in use.
+  std::size_t used_ = 0;
+};
+
+/// The ways in one direction.
 class PathForest {
  public:
   /// Of equal scores the later node counts as better if `prefer_later`, else the earlier one.
@@ -94,7 +111,7 @@ class PathForest {
   const PathNode& operator[](NodeId id) const { return nodes_[id]; }
 
   /// The decision point at `place` with `phase`, or kNoNode.
-  NodeId find(std::uint32_t place, std::uint32_t phase) const;
+  NodeId find(std::uint32_t place, std::uint32_t phase) const { return ids_.find(place, phase); }
 
   /// Adds a root.
   NodeId add_root(std::uint32_t place, std::uint32_t phase, bool is_terminal);
@@ -113,29 +130,55 @@ class PathForest {
                  std::int64_t best_score) const;
 
   /// The node after `id` on its way, past roots; kNoNode where the way ends.
-  NodeId after(NodeId id) const {
-    const PathNode& node = nodes_[id];
-    return node.next != kNoNode ? node.next : node.continuation;
-  }
+  NodeId after(NodeId id) const;
+
+  /// A node further on in the same tree; a root itself.
+  NodeId jump(NodeId id) const { return links_[id].jump; }
 
   std::size_t size() const { return nodes_.size(); }
 
-  void clear() {
-    nodes_.clear();
-    ids_.clear();
-  }
+  void clear();
 
  private:
-  static std::uint64_t key(std::uint32_t place, std::uint32_t phase) {
-    return std::uint64_t{place} << 32 | phase;
-  }
-  bool is_better(std::int64_t to_go, std::int64_t than) const {
+  /// What following needs, apart from the rest for the sake of the cache. Scores fit 32 bits: a way
+  /// gains at most one point a residue and loses at most what an extension had.
+  struct Link {
+    NodeId next = kNoNode;  ///< The next decision point; kNoNode at a root.
+    NodeId jump = kNoNode;
+    std::int32_t to_go = 0;  ///< Score between here and the root.
+    // Behind this node, up to and with the one at `jump`:
+    std::int32_t highest_to_go = 0;
+    std::int32_t lowest_to_go = 0;
+    NodeId lowest = kNoNode;
+  };
+
+  /// Edits and N between a node and the root.
+  struct Counts {
+    std::uint32_t depth = 0;  ///< Nodes until the root.
+    std::uint32_t mismatches = 0;
+    std::uint32_t insertions = 0;
+    std::uint32_t deletions = 0;
+    std::uint32_t num_Ns = 0;
+  };
+
+  /// How a root goes on.
+  struct Continuation {
+    NodeId node;
+    PathTotals gain;
+  };
+
+  NodeId append(const PathNode& node, const Link& link, const Counts& counts);
+  PathTotals to_root(NodeId id) const;
+  bool is_better(std::int32_t to_go, std::int32_t than) const {
     return prefer_later_ ? to_go <= than : to_go < than;
   }
 
   bool prefer_later_;
+  std::vector<Link> links_;
   std::vector<PathNode> nodes_;
-  std::unordered_map<std::uint64_t, NodeId> ids_;
+  std::vector<Counts> counts_;
+  std::unordered_map<NodeId, Continuation> continuations_;
+  NodeTable ids_;
 };
 
 }  // namespace vorlan
