@@ -53,13 +53,24 @@ NodeId PathForest::append(const PathNode& node, const Link& link, const Counts& 
 
 NodeId PathForest::add_root(std::uint32_t place, std::uint32_t phase, bool is_terminal) {
   Link link;
-  link.jump = static_cast<NodeId>(nodes_.size());
+  link.jump.end = link.whole_way.end = static_cast<NodeId>(nodes_.size());
   return append({place, phase, Move::kNone, is_terminal}, link, {});
+}
+
+// Makes `stretch` longer by what comes behind it. A root has nothing behind it.
+void PathForest::append(Stretch& stretch, const Stretch& more) const {
+  stretch.end = more.end;
+  if (more.lowest == kNoNode) return;
+  stretch.highest_to_go = std::max(stretch.highest_to_go, more.highest_to_go);
+  const bool is_better = prefer_later_ ? more.lowest_to_go <= stretch.lowest_to_go
+                                       : more.lowest_to_go < stretch.lowest_to_go;
+  if (!is_better) return;
+  stretch.lowest_to_go = more.lowest_to_go;
+  stretch.lowest = more.lowest;
 }
 
 NodeId PathForest::add(std::uint32_t place, std::uint32_t phase, Move move, NodeId next,
                        const PathTotals& gain) {
-  const Link& parent = links_[next];
   Counts counts = counts_[next];
   ++counts.depth;
   counts.mismatches += gain.mismatches;
@@ -67,25 +78,18 @@ NodeId PathForest::add(std::uint32_t place, std::uint32_t phase, Move move, Node
   counts.deletions += gain.deletions;
   counts.num_Ns += gain.num_Ns;
 
-  Link link;
-  link.next = next;
-  link.jump = next;
-  link.to_go = parent.to_go + static_cast<std::int32_t>(gain.score);
-  link.highest_to_go = link.lowest_to_go = parent.to_go;
-  link.lowest = next;
+  const Link& parent = links_[next];
+  const Stretch one_step{next, parent.to_go, parent.to_go, next};
+  Link link{next, parent.to_go + static_cast<std::int32_t>(gain.score), one_step, one_step};
+  append(link.whole_way, parent.whole_way);
   // Two jumps of equal length in a row become one.
-  const Link& jumped = links_[parent.jump];
-  const std::uint32_t first_length = counts_[next].depth - counts_[parent.jump].depth;
-  const std::uint32_t second_length = counts_[parent.jump].depth - counts_[jumped.jump].depth;
+  const Link& jumped = links_[parent.jump.end];
+  const std::uint32_t first_length = counts_[next].depth - counts_[parent.jump.end].depth;
+  const std::uint32_t second_length =
+      counts_[parent.jump.end].depth - counts_[jumped.jump.end].depth;
   if (first_length == second_length) {
-    link.jump = jumped.jump;
-    for (const Link* stretch : {&parent, &jumped}) {
-      if (stretch->next == kNoNode) continue;  // a root has nothing behind it
-      link.highest_to_go = std::max(link.highest_to_go, stretch->highest_to_go);
-      if (!is_better(stretch->lowest_to_go, link.lowest_to_go)) continue;
-      link.lowest_to_go = stretch->lowest_to_go;
-      link.lowest = stretch->lowest;
-    }
+    append(link.jump, parent.jump);
+    append(link.jump, jumped.jump);
   }
   return append({place, phase, move, false}, link, counts);
 }
@@ -123,9 +127,13 @@ PathEnd PathForest::follow(NodeId first, const PathTotals& totals, std::int64_t 
   NodeId id = first;
   for (;;) {
     const Link& link = links_[id];
-    if (link.next != kNoNode && whole.score - link.highest_to_go >= lowest_score) {
-      consider(link.lowest);
-      id = link.jump;
+    const auto stays_high = [&](const Stretch& stretch) {
+      return link.next != kNoNode && whole.score - stretch.highest_to_go >= lowest_score;
+    };
+    if (stays_high(link.jump)) {
+      const Stretch& passed = stays_high(link.whole_way) ? link.whole_way : link.jump;
+      consider(passed.lowest);
+      id = passed.end;
       continue;
     }
     if (link.next != kNoNode) {

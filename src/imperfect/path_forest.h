@@ -9,11 +9,11 @@
 // ways of all extensions form a forest, and its roots are where no extension has gone on yet.
 //
 // Each node knows what is still to come until the root: score, edits and N. The difference between
-// two nodes is what lies between them, so an extension passes over any stretch in one step. Jump
-// pointers (E. W. Myers, "An applicative random-access stack", Information Processing Letters 17,
-// 1983) lead from each node to one further on, with the lowest and the highest score to go on the
-// way: enough to find, in logarithmic time, where a score first falls too low and where it was
-// best.
+// two nodes is what lies between them, so an extension passes over any stretch in one step. With
+// the lowest and the highest score to go on the whole way it knows at once whether its score ever
+// falls too low, and where it is best. Where it does fall too low, jump pointers (E. W. Myers, "An
+// applicative random-access stack", Information Processing Letters 17, 1983) lead there in
+// logarithmic time.
 //
 // Why results stay the same: an extension follows a stored way only while its own score is that
 // high, so it would have made the same decisions; scores, counts and the place are exact.
@@ -23,7 +23,7 @@
 // CA, arrives at T expecting A as well: the same node.
 //
 // Limits: a root that is passed later gets a continuation, which costs one step each time it is
-// passed. Memory: about 90 bytes a node; a forest that has grown too large is forgotten.
+// passed. Memory: about 120 bytes a node; a forest that has grown too large is forgotten.
 
 #pragma once
 
@@ -133,23 +133,28 @@ class PathForest {
   NodeId after(NodeId id) const;
 
   /// A node further on in the same tree; a root itself.
-  NodeId jump(NodeId id) const { return links_[id].jump; }
+  NodeId jump(NodeId id) const { return links_[id].jump.end; }
 
   std::size_t size() const { return nodes_.size(); }
 
   void clear();
 
  private:
-  /// What following needs, apart from the rest for the sake of the cache. Scores fit 32 bits: a way
-  /// gains at most one point a residue and loses at most what an extension had.
-  struct Link {
-    NodeId next = kNoNode;  ///< The next decision point; kNoNode at a root.
-    NodeId jump = kNoNode;
-    std::int32_t to_go = 0;  ///< Score between here and the root.
-    // Behind this node, up to and with the one at `jump`:
+  /// What lies behind a node, up to and with the one at `end`.
+  struct Stretch {
+    NodeId end = kNoNode;
     std::int32_t highest_to_go = 0;
     std::int32_t lowest_to_go = 0;
     NodeId lowest = kNoNode;
+  };
+
+  /// What following needs, apart from the rest for the sake of the cache. Scores fit 32 bits: a way
+  /// gains at most one point a residue and loses at most what an extension had.
+  struct Link {
+    NodeId next = kNoNode;   ///< The next decision point; kNoNode at a root.
+    std::int32_t to_go = 0;  ///< Score between here and the root.
+    Stretch jump;
+    Stretch whole_way;  ///< To the root: most extensions need nothing else.
   };
 
   /// Edits and N between a node and the root.
@@ -169,9 +174,7 @@ class PathForest {
 
   NodeId append(const PathNode& node, const Link& link, const Counts& counts);
   PathTotals to_root(NodeId id) const;
-  bool is_better(std::int32_t to_go, std::int32_t than) const {
-    return prefer_later_ ? to_go <= than : to_go < than;
-  }
+  void append(Stretch& stretch, const Stretch& more) const;
 
   bool prefer_later_;
   std::vector<Link> links_;
