@@ -34,16 +34,14 @@ namespace {
 /// Alignments with more edits than this, in stored ways, do not note them: most are removed again.
 constexpr std::uint32_t kMostNotedEdits = 64;
 
-/// Stored ways are forgotten when they take about 400 MB.
-constexpr std::size_t kMostStoredNodes = 2'500'000;
-
 /// Tries the candidates of one unit length, from left to right, and keeps the marks.
 class CandidateTrial {
  public:
   /// `context` holds the stored ways of the search.
-  CandidateTrial(ExtensionContext& context, UnitPaths& paths, unsigned unit_length, int min_score,
-                 int min_length, CAnchorSeq& anchors)
+  CandidateTrial(ExtensionContext& context, const char* seq_end, UnitPaths& paths,
+                 unsigned unit_length, int min_score, int min_length, CAnchorSeq& anchors)
       : context_(context),
+        seq_end_(seq_end),
         paths_(paths),
         unit_length_(unit_length),
         min_score_(min_score),
@@ -57,13 +55,14 @@ class CandidateTrial {
     Csat& sat = spare_.candidate(start, start + unit_length_);
     std::vector<PathSegment> forward;
     std::vector<PathSegment> backward;
-    extend<Forward>(sat, context_, forward);
-    extend<Backward>(sat, context_, backward);
+    extend<Forward>(sat, seq_end_, context_, forward);
+    extend<Backward>(sat, context_.seq_begin, context_, backward);
     sat.trim_Ns();
     if (!sat.reaches(min_score_, min_length_)) return nullptr;
     const std::uint32_t edits = sat.mismatches + sat.insertions + sat.deletions;
     if (edits <= kMostNotedEdits) {
-      append_events(forward, backward, paths_, sat);
+      append_events<Forward>(forward, paths_, sat);
+      append_events<Backward>(backward, paths_, sat);
       forward.clear();
       backward.clear();
     }
@@ -76,12 +75,13 @@ class CandidateTrial {
 
  private:
   void forget_ways_if_many() {
-    if (paths_.stored_nodes() < kMostStoredNodes) return;
+    if (paths_.stored_nodes() <= UnitPaths::kMostNodes) return;
     painter_.finish();
     paths_.forget();
   }
 
   ExtensionContext& context_;
+  const char* seq_end_;
   UnitPaths& paths_;
   unsigned unit_length_;
   int min_score_;
@@ -95,7 +95,7 @@ class CandidateTrial {
 void CSearchController::complete_imperfect_search(std::FILE*) {
   CAnchorSeq anchors(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), CandidateFilter::margin(longest_unit()));
-  ExtensionContext context{.seq_begin = seq_begin(), .seq_end = seq_end(), .planes = &planes};
+  ExtensionContext context{.seq_begin = seq_begin(), .planes = &planes};
   UnitPaths paths(seq_begin(), context.settings);
   if (UnitPaths::can_share(context.settings)) context.paths = &paths;
   for (unsigned unit_len = global_min_unit_length; unit_len <= longest_unit(); ++unit_len) {
@@ -110,23 +110,24 @@ void CSearchController::one_unit_len_complete_imperfect_search(
     unsigned unit_len, const BitPlanes& planes, ExtensionContext& context, UnitPaths& paths,
     CAnchorSeq& anchors, std::list<Csat*>& results) {
   const int min_score = (*minScores)[unit_len];
-  CandidateTrial trial(context, paths, unit_len, min_score, (*minLengths)[unit_len], anchors);
+  CandidateTrial trial(context, seq_end(), paths, unit_len, min_score, (*minLengths)[unit_len],
+                       anchors);
   CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
   ScanProgress progress{unit_len};
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
-    StartBlock block(begin, scan.starts());
-    report_progress(progress, block.end());
+    const std::ptrdiff_t end = std::min(begin + StartBlock::kStarts, scan.starts());
+    report_progress(progress, end);
     // The last start of the block looks at the mark behind its unit.
-    trial.painter().paint_until(seq_begin() + block.end() + unit_len);
-    block.collect(begin, unit_len, anchors, planes, filter);
+    trial.painter().paint_until(seq_begin() + end + unit_len);
+    StartBlock block(begin, scan.starts(), unit_len, anchors, planes, filter);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
       const char* start = seq_begin() + offset;
       if (!scan.is_unit(start)) continue;
       if (Csat* sat = trial.accept(start); sat != nullptr) {
         results.push_back(sat);
         // It has changed the marks ahead.
-        block.collect(offset + 1, unit_len, anchors, planes, filter);
+        block.collect_again(offset + 1, anchors);
       }
     }
   }

@@ -29,9 +29,6 @@ namespace {
 /// With room for this many edits at most, the look-ahead goes path by path.
 constexpr int kFewEdits = 3;
 
-const char* stop_of(Forward, const ExtensionContext& context) { return context.seq_end; }
-const char* stop_of(Backward, const ExtensionContext& context) { return context.seq_begin; }
-
 MergedLookAheadMemory<Forward>& memory_of(Forward, ExtensionContext& context) {
   return context.forward_memory;
 }
@@ -42,10 +39,11 @@ MergedLookAheadMemory<Backward>& memory_of(Backward, ExtensionContext& context) 
 template <class Direction>
 class Extension {
  public:
-  Extension(Csat& sat, ExtensionContext& context, std::vector<PathSegment>& segments)
+  Extension(Csat& sat, const char* stop, ExtensionContext& context,
+            std::vector<PathSegment>& segments)
       : sat_(sat),
         unit_{sat.unit_begin, sat.unit_end},
-        stop_(stop_of(Direction{}, context)),
+        stop_(stop),
         settings_(context.settings),
         look_ahead_(settings_, unit_, stop_),
         merged_look_ahead_(settings_, unit_, stop_, context.planes, context.seq_begin,
@@ -304,23 +302,65 @@ class Extension {
 }  // namespace
 
 template <class Direction>
-void extend(Csat& sat, ExtensionContext& context, std::vector<PathSegment>& segments) {
-  Extension<Direction>(sat, context, segments).run();
+void extend(Csat& sat, const char* stop, ExtensionContext& context,
+            std::vector<PathSegment>& segments) {
+  Extension<Direction>(sat, stop, context, segments).run();
 }
 
-template void extend<Forward>(Csat&, ExtensionContext&, std::vector<PathSegment>&);
-template void extend<Backward>(Csat&, ExtensionContext&, std::vector<PathSegment>&);
+template void extend<Forward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
+template void extend<Backward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
 
-void CSearchController::extend_imperfect_forward(Csat& sat, const char* end) {
-  ExtensionContext context{.seq_begin = seq_begin(), .seq_end = end};
-  std::vector<PathSegment> none;
-  extend<Forward>(sat, context, none);
+/// What extensions outside the complete search share: seeds of one sequence, and repeats whose
+/// events are restored.
+struct CSearchController::Extender {
+  Extender(const char* begin, const char* end)
+      : planes(begin, static_cast<std::size_t>(end - begin), MismatchMasks<Forward>::kReach),
+        paths(begin, context.settings) {
+    context.seq_begin = begin;
+    context.planes = &planes;
+    if (UnitPaths::can_share(context.settings)) context.paths = &paths;
+  }
+
+  /// Extends with all events.
+  template <class Direction>
+  void extend_with_events(Csat& sat, const char* stop) {
+    if (paths.stored_nodes() > UnitPaths::kMostNodes) paths.forget();
+    std::vector<PathSegment> segments;
+    extend<Direction>(sat, stop, context, segments);
+    append_events<Direction>(segments, paths, sat);
+  }
+
+  ExtensionContext context;
+  BitPlanes planes;
+  UnitPaths paths;
+};
+
+void CSearchController::ExtenderDeleter::operator()(Extender* extender) const { delete extender; }
+
+CSearchController::Extender& CSearchController::extender() {
+  if (extender_ == nullptr) extender_.reset(new Extender(seq_begin(), seq_end()));
+  return *extender_;
 }
 
-void CSearchController::extend_imperfect_backward(Csat& sat, const char* begin) {
-  ExtensionContext context{.seq_begin = begin, .seq_end = seq_end()};
+namespace {
+
+template <class Direction>
+void extend_to_nearer_stop(Csat& sat, const char* stop) {
+  ExtensionContext context;
   std::vector<PathSegment> none;
-  extend<Backward>(sat, context, none);
+  extend<Direction>(sat, stop, context, none);
+}
+
+}  // namespace
+
+void CSearchController::extend_imperfect_forward(Csat& sat, const char* stop) {
+  if (stop != seq_end()) return extend_to_nearer_stop<Forward>(sat, stop);
+  extender().extend_with_events<Forward>(sat, stop);
+}
+
+void CSearchController::extend_imperfect_backward(Csat& sat, const char* stop) {
+  if (stop != seq_begin()) return extend_to_nearer_stop<Backward>(sat, stop);
+  extender().extend_with_events<Backward>(sat, stop);
 }
 
 void CSearchController::restore_events(Csat& sat) {

@@ -13,8 +13,7 @@ namespace vorlan {
 
 /// What the extensions of one search share.
 struct ExtensionContext {
-  const char* seq_begin = nullptr;
-  const char* seq_end = nullptr;
+  const char* seq_begin = nullptr;  ///< Where places are counted from.
   AlignmentSettings settings{};
   const BitPlanes* planes = nullptr;  ///< Of the sequence; only for speed, may be null.
   UnitPaths* paths = nullptr;         ///< Where ways are stored; may be null.
@@ -22,13 +21,16 @@ struct ExtensionContext {
   MergedLookAheadMemory<Backward> backward_memory{};
 };
 
-/// Extends `sat` in one direction up to the end of the sequence and leaves the best alignment found
-/// in it, its events unsorted.
+/// Extends `sat` in one direction and leaves the best alignment found in it, its events unsorted.
 ///
 /// With stored ways, stretches that other extensions have gone are passed over: their edits are
 /// counted, but stand in `segments` instead of in the events of `sat`.
+///
+/// `stop` is the end of the sequence forward and its first residue backward. A nearer one is
+/// allowed only in a context without planes and ways, which know nothing of it.
 template <class Direction>
-void extend(Csat& sat, ExtensionContext& context, std::vector<PathSegment>& segments);
+void extend(Csat& sat, const char* stop, ExtensionContext& context,
+            std::vector<PathSegment>& segments);
 
 /// The event of a move from `place`. A deletion is recorded at the residue to the right of the gap,
 /// whichever way the extension goes.
@@ -41,6 +43,17 @@ Missense event_of(Move move, const char* place) {
       return {Direction::residue(place), kInsertionEvent};
     default:
       return {place, kDeletionEvent};
+  }
+}
+
+/// Adds the edits of stretches that were passed over to the events of `sat`.
+template <class Direction>
+void append_events(const std::vector<PathSegment>& segments, const UnitPaths& paths, Csat& sat) {
+  const PathForest& forest = paths.forest(Direction{});
+  for (const PathSegment& segment : segments) {
+    for (NodeId id = segment.from; id != segment.to; id = forest.after(id)) {
+      sat.missense.push_back(event_of<Direction>(forest[id].move, paths.place_of(forest[id])));
+    }
   }
 }
 

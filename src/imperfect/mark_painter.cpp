@@ -119,24 +119,4 @@ void MarkPainter::open_edits(const PathSegment& segment, const char* begin, cons
   }
 }
 
-namespace {
-
-template <class Direction>
-void append_segments(const std::vector<PathSegment>& segments, const UnitPaths& paths, Csat& sat) {
-  const PathForest& forest = paths.forest(Direction{});
-  for (const PathSegment& segment : segments) {
-    for (NodeId id = segment.from; id != segment.to; id = forest.after(id)) {
-      sat.missense.push_back(event_of<Direction>(forest[id].move, paths.place_of(forest[id])));
-    }
-  }
-}
-
-}  // namespace
-
-void append_events(const std::vector<PathSegment>& forward,
-                   const std::vector<PathSegment>& backward, const UnitPaths& paths, Csat& sat) {
-  append_segments<Forward>(forward, paths, sat);
-  append_segments<Backward>(backward, paths, sat);
-}
-
 }  // namespace vorlan

@@ -67,8 +67,4 @@ class MarkPainter {
   Stretches stretches_;  ///< Disjoint, by begin.
 };
 
-/// Adds the edits of the parts that stand in stored ways to the events of `sat`.
-void append_events(const std::vector<PathSegment>& forward,
-                   const std::vector<PathSegment>& backward, const UnitPaths& paths, Csat& sat);
-
 }  // namespace vorlan

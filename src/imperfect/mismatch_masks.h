@@ -48,6 +48,9 @@ class MismatchMasks {
  public:
   static constexpr std::int32_t kUnknown = -1;
 
+  /// How many positions outside the sequence may be looked at.
+  static constexpr std::size_t kReach = 6 * 64;
+
   /// For decisions at `place` (an offset in the sequence), where unit base `cursor` is due.
   void start(const BitPlanes::Words& planes, const PeriodicUnit& unit, std::ptrdiff_t place,
              std::ptrdiff_t cursor, std::size_t diagonals) {

@@ -41,6 +41,9 @@ class UnitPaths {
     return std::max(floor + 1 - worst_edit * settings.maximum_recursion_depth, kWorthStoring);
   }
 
+  /// More nodes than this, about 300 MB, are better forgotten.
+  static constexpr std::size_t kMostNodes = 2'500'000;
+
   std::size_t stored_nodes() const { return forward_.size() + backward_.size(); }
 
   /// Forgets all ways. Node names are without meaning afterwards.

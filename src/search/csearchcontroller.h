@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <list>
+#include <memory>
 #include <optional>
 
 #include "input/csequence_mol.h"
@@ -56,12 +57,12 @@ class CSearchController {
   /// flushes. See output/report.h.
   void report_SATList(std::FILE* stream, std::list<Csat*> sats);
 
-  /// Extends `sat` to the right, up to `seq_end`, one past the last residue, over mismatches,
+  /// Extends `sat` to the right, up to `stop`, one past the last residue, over mismatches,
   /// insertions, deletions and short N runs. Leaves the best alignment found in `sat`.
-  void extend_imperfect_forward(Csat& sat, const char* seq_end);
+  void extend_imperfect_forward(Csat& sat, const char* stop);
 
-  /// The mirror image: extends to the left, down to and including the first residue `seq_begin`.
-  void extend_imperfect_backward(Csat& sat, const char* seq_begin);
+  /// The mirror image: extends to the left, down to and including the first residue `stop`.
+  void extend_imperfect_backward(Csat& sat, const char* stop);
 
   unsigned sequence_number;
   CSequence_Mol& sequence;
@@ -109,7 +110,14 @@ class CSearchController {
   void report_progress(ScanProgress& progress, std::ptrdiff_t end,
                        std::ptrdiff_t first_visited = 0);
 
+  struct Extender;
+  struct ExtenderDeleter {
+    void operator()(Extender* extender) const;
+  };
+  Extender& extender();
+
   SearchConsole console_;
+  std::unique_ptr<Extender, ExtenderDeleter> extender_;  ///< Made when it is first needed.
 };
 
 }  // namespace vorlan

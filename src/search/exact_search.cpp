@@ -107,8 +107,7 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
   ScanProgress progress{unit_length};
   std::ptrdiff_t next_start = 0;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
-    StartBlock block(begin, scan.starts());
-    block.collect(begin, unit_length, mask, planes, filter);
+    StartBlock block(begin, scan.starts(), unit_length, mask, planes, filter);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
       report_progress(progress, offset + 1, next_start);
       const char* start = seq_begin() + offset;
@@ -121,7 +120,7 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
         next_start = sat.pos_right - seq_begin();
       } else if (is_shown(sat)) {
         mask.close(sat);
-        block.collect(offset + 1, unit_length, mask, planes, filter);
+        block.collect_again(offset + 1, mask);
       }
     }
     report_progress(progress, block.end(), next_start);

@@ -23,29 +23,29 @@ class StartBlock {
   static constexpr std::ptrdiff_t kStarts = kWords * BitPlanes::kBitsPerWord;
 
   /// A block of the scan for one unit length, which has starts from 0 up to `end_of_starts`.
+  /// Collects the starts that `anchors` and `filter` leave; `filter` has a member
+  /// keep_survivors(first word, words) that clears the bits of starts that cannot lead to a repeat.
   /// Requires that `begin` is a multiple of kStarts and below `end_of_starts`.
-  StartBlock(std::ptrdiff_t begin, std::ptrdiff_t end_of_starts)
-      : first_word_(begin / BitPlanes::kBitsPerWord),
-        begin_(begin),
-        end_(std::min(begin + kStarts, end_of_starts)) {}
-
-  /// Collects the starts from `first` on, which replaces those collected before. `filter` has a
-  /// member keep_survivors(first word, words) that clears the bits of starts that cannot lead to a
-  /// repeat.
   template <typename Filter>
-  void collect(std::ptrdiff_t first, std::size_t unit_length, const CAnchorSeq& anchors,
-               const BitPlanes& planes, Filter& filter) {
-    std::uint64_t any = 0;
-    for (std::size_t i = 0; i < kWords; ++i) {
-      const std::ptrdiff_t word = first_word_ + static_cast<std::ptrdiff_t>(i);
-      const std::ptrdiff_t begin = word * BitPlanes::kBitsPerWord;
-      words_[i] = begin >= end_
-                      ? 0
-                      : anchors.may_anchor(word, unit_length) & ~planes.words().special[word] &
-                            at_or_above(first - begin) & ~at_or_above(end_ - begin);
-      any |= words_[i];
+  StartBlock(std::ptrdiff_t begin, std::ptrdiff_t end_of_starts, std::size_t unit_length,
+             const CAnchorSeq& anchors, const BitPlanes& planes, Filter& filter)
+      : begin_(begin),
+        end_(std::min(begin + kStarts, end_of_starts)),
+        unit_length_(unit_length),
+        special_(planes.words().special + first_word()) {
+    collect(begin, anchors);
+    judged_ = words_;
+    if (std::any_of(words_.begin(), words_.end(), [](std::uint64_t word) { return word != 0; })) {
+      filter.keep_survivors(first_word(), words_.data());
     }
-    if (any != 0) filter.keep_survivors(first_word_, words_.data());
+    survivors_ = words_;
+  }
+
+  /// Collects the starts from `first` on again, after the marks have changed. Starts that were
+  /// closed before have not been judged by the filter: they stay.
+  void collect_again(std::ptrdiff_t first, const CAnchorSeq& anchors) {
+    collect(first, anchors);
+    for (std::size_t i = 0; i < kWords; ++i) words_[i] &= survivors_[i] | ~judged_[i];
   }
 
   /// Takes the lowest start out of the block; -1 when there is none.
@@ -69,10 +69,27 @@ class StartBlock {
     return bit >= BitPlanes::kBitsPerWord ? 0 : ~std::uint64_t{0} << bit;
   }
 
-  std::ptrdiff_t first_word_;
+  using Words = std::array<std::uint64_t, kWords>;
+
+  std::ptrdiff_t first_word() const { return begin_ / BitPlanes::kBitsPerWord; }
+
+  void collect(std::ptrdiff_t first, const CAnchorSeq& anchors) {
+    for (std::size_t i = 0; i < kWords; ++i) {
+      const std::ptrdiff_t word = first_word() + static_cast<std::ptrdiff_t>(i);
+      const std::ptrdiff_t begin = word * BitPlanes::kBitsPerWord;
+      words_[i] = begin >= end_ ? 0
+                                : anchors.may_anchor(word, unit_length_) & ~special_[i] &
+                                      at_or_above(first - begin) & ~at_or_above(end_ - begin);
+    }
+  }
+
   std::ptrdiff_t begin_;
   std::ptrdiff_t end_;
-  std::array<std::uint64_t, kWords> words_{};
+  std::size_t unit_length_;
+  const std::uint64_t* special_;  // where there are no bases, hence no unit begins
+  Words words_{};
+  Words judged_{};
+  Words survivors_{};
 };
 
 }  // namespace vorlan
