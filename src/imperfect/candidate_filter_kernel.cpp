@@ -13,7 +13,8 @@ namespace {
 constexpr int kPlanes = 3;
 constexpr int kBitsPerWord = 64;
 
-constexpr int kFewStarts = 1;
+/// Following the paths of a whole block is still cheaper than extending a single start.
+constexpr int kFewStarts = 0;
 constexpr int kResiduesPerCheck = 2;
 
 struct Automaton {
@@ -86,23 +87,29 @@ void add_row(const Automaton& automaton, int edits, Lanes& lanes) {
   for (int d = -edits; d <= edits; ++d) lanes |= row[d];
 }
 
-// Moves all paths with `edits` edits over residue j. `from` holds, for each diagonal, the paths
-// that leave the row above by an edit at this residue; `to` receives those that leave this row, on
-// diagonals up to `last_edit_diagonal`.
-void step_row(const Automaton& automaton, int j, int edits, int last_edit_diagonal,
+// Moves all paths with `edits` edits over residue j. `from` holds, on diagonals up to `from_last`,
+// the paths that leave the row above by an edit at this residue; `to` receives those that leave
+// this row, on diagonals up to `to_last`. Edits from lower rows leave more score: to_last <
+// from_last.
+void step_row(const Automaton& automaton, int j, int edits, int from_last, int to_last,
               const Lanes* from, Lanes* to) {
   Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
   const Lanes* matches = automaton.buffers.matches + automaton.middle();
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
-  for (int d = -edits; d <= last_diagonal; ++d) {
+  const int last_receiver = smaller(from_last + 1, last_diagonal);
+  int d = -edits;
+  for (; d <= to_last; ++d) {
     const Lanes here = row[d] | from[d + 1];  // a deletion consumes no residue
     row[d] = (here & matches[d]) | from[d] |  // a mismatch
              from[d - 1];                     // an insertion
     to[d] = here & ~matches[d];
   }
-  to[-edits - 2] = to[-edits - 1] = Lanes{};
-  for (int d = last_edit_diagonal + 1; d <= last_diagonal + 2; ++d) to[d] = Lanes{};
+  for (; d <= last_receiver; ++d) {
+    row[d] = ((row[d] | from[d + 1]) & matches[d]) | from[d] | from[d - 1];
+  }
+  for (; d <= last_diagonal; ++d) row[d] &= matches[d];
+  to[-edits - 2] = to[-edits - 1] = to[to_last + 1] = to[to_last + 2] = Lanes{};
 }
 
 bool row_is_empty(const Automaton& automaton, int edits) {
@@ -154,12 +161,14 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
     while (highest_row < last_row) clear_row(automaton, ++highest_row);
     set_matches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
     for (int d = -lowest_row - 1; d <= lowest_row + 1; ++d) from[d] = Lanes{};
+    int from_last = -lowest_row - 2;
     for (int edits = lowest_row; edits <= highest_row; ++edits) {
       // Edits from diagonals up to here keep the score above the floor.
       const int spare = to_spend - plan.penalty * (edits + 1);
-      const int last_edit_diagonal =
+      const int to_last =
           spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
-      step_row(automaton, j, edits, last_edit_diagonal, from, to);
+      step_row(automaton, j, edits, from_last, to_last, from, to);
+      from_last = to_last;
       Lanes* const done = from;
       from = to;
       to = done;
