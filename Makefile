@@ -8,7 +8,8 @@
 #   make test                run every test
 #   make test-asan           the same under the sanitizers, with g++ and with clang++
 #   make test-clang          the same, built with clang++, warnings as errors
-#   make bench               measure speed and memory
+#   make test-portable       the same without wider vector instructions
+#   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
 #   make lint                check format and run clang-tidy
 #   make install             PREFIX (default /usr/local) and DESTDIR as usual
 #   make clean
@@ -16,12 +17,13 @@
 ARGS ?= examples/androgen_receptor.fa
 PREFIX ?= /usr/local
 DESTDIR ?=
+DATA ?=
 
 need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-asan test-clang bench lint install clean
+.PHONY: build run test test-asan test-clang test-portable bench lint install clean
 
 build:
 	$(need) build
@@ -51,11 +53,15 @@ test-clang:
 	$(need) build test clang
 	$(call run_tests,clang)
 
+test-portable:
+	$(need) build test
+	$(call run_tests,portable)
+
 bench:
 	$(need) build bench
 	$(call configure,bench,OFF)
 	$(call build,bench)
-	@bench/run_bench.py build/bench
+	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA))
 
 lint:
 	$(need) build test lint

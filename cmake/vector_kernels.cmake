@@ -5,7 +5,7 @@
 # its functions in the namespace VORLAN_FILTER_LEVEL; which one runs is chosen at run time.
 function(vorlan_add_vector_kernel target source)
   set(levels portable)
-  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+  if(NOT VORLAN_PORTABLE_ONLY AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
     list(APPEND levels avx2 avx512)
     target_compile_definitions(${target} PRIVATE VORLAN_X86_KERNELS)
   endif()

@@ -82,7 +82,9 @@ void CandidateFilter::keep_survivors(std::ptrdiff_t first_word, std::uint64_t* c
   if (can_judge_) kernel_(plan_, planes_, first_word, buffers_, candidates);
 }
 
-std::vector<FilterKernel*> runnable_filter_kernels() {
+namespace {
+
+std::vector<FilterKernel*> kernels_of_this_processor() {
   std::vector<FilterKernel*> kernels{portable::keep_survivors};
 #ifdef VORLAN_X86_KERNELS
   if (__builtin_cpu_supports("avx2")) kernels.push_back(avx2::keep_survivors);
@@ -90,6 +92,13 @@ std::vector<FilterKernel*> runnable_filter_kernels() {
     kernels.push_back(avx512::keep_survivors);
   }
 #endif
+  return kernels;
+}
+
+}  // namespace
+
+const std::vector<FilterKernel*>& runnable_filter_kernels() {
+  static const std::vector<FilterKernel*> kernels = kernels_of_this_processor();
   return kernels;
 }
 

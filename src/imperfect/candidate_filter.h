@@ -14,7 +14,7 @@
 namespace vorlan {
 
 /// The kernels that this processor can run, the narrowest registers first.
-std::vector<FilterKernel*> runnable_filter_kernels();
+const std::vector<FilterKernel*>& runnable_filter_kernels();
 
 /// Tells which start positions of one unit length cannot lead to an accepted repeat, 512 at a time.
 /// It never rejects a candidate that the extension would accept; see candidate_filter_kernel.h for

@@ -10,7 +10,7 @@
 namespace vorlan::VORLAN_FILTER_LEVEL {
 namespace {
 
-constexpr int kPlanes = 3;
+constexpr std::ptrdiff_t kPlanes = 3;
 constexpr int kBitsPerWord = 64;
 
 /// Following the paths of a whole block is still cheaper than extending a single start.
@@ -22,8 +22,11 @@ struct Automaton {
   const FilterBuffers& buffers;
   bool has_special;  // N or positions outside the sequence
 
-  int row_size() const { return filter_row_size(plan); }
-  int middle() const { return row_size() / 2; }
+  std::ptrdiff_t row_size() const { return filter_row_size(plan); }
+  std::ptrdiff_t middle() const { return row_size() / 2; }
+
+  /// Diagonal 0 of the row of cells with so many edits.
+  Lanes* row(int edits) const { return buffers.cells + edits * row_size() + middle(); }
 };
 
 int smaller(int a, int b) { return a < b ? a : b; }
@@ -78,12 +81,12 @@ void set_matches(const Automaton& automaton, bool forward, int j, int first_diag
 }
 
 void clear_row(const Automaton& automaton, int edits) {
-  Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+  Lanes* row = automaton.row(edits);
   for (int d = -edits; d <= edits; ++d) row[d] = Lanes{};
 }
 
 void add_row(const Automaton& automaton, int edits, Lanes& lanes) {
-  const Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+  const Lanes* row = automaton.row(edits);
   for (int d = -edits; d <= edits; ++d) lanes |= row[d];
 }
 
@@ -93,7 +96,7 @@ void add_row(const Automaton& automaton, int edits, Lanes& lanes) {
 // from_last.
 void step_row(const Automaton& automaton, int j, int edits, int from_last, int to_last,
               const Lanes* from, Lanes* to) {
-  Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+  Lanes* row = automaton.row(edits);
   const Lanes* matches = automaton.buffers.matches + automaton.middle();
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
@@ -126,7 +129,7 @@ void add_gains(const Automaton& automaton, int consumed, int lowest_row, int hig
                int max_gain, Lanes* gains) {
   const int penalty = automaton.plan.penalty;
   for (int edits = lowest_row; edits <= highest_row && consumed > penalty * edits; ++edits) {
-    const Lanes* row = automaton.buffers.cells + edits * automaton.row_size() + automaton.middle();
+    const Lanes* row = automaton.row(edits);
     for (int d = -edits; d <= edits; ++d) {
       const int score = consumed - half_up(edits + d) - penalty * edits;
       if (score < 1) break;
@@ -148,7 +151,7 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
                   Lanes* gains, Lanes& lanes) {
   const FilterPlan& plan = automaton.plan;
   for (int i = 0; i <= max_gain; ++i) gains[i] = Lanes{};
-  automaton.buffers.cells[automaton.middle()] = lanes;
+  automaton.row(0)[0] = lanes;
 
   Lanes* from = automaton.buffers.mismatches + automaton.middle();
   Lanes* to = from + automaton.row_size();

@@ -43,7 +43,7 @@ namespace vorlan {
 inline constexpr std::size_t kFilterWords = 8;
 
 /// One bit for each start position of a block.
-typedef std::uint64_t Lanes __attribute__((vector_size(kFilterWords * sizeof(std::uint64_t))));
+using Lanes __attribute__((vector_size(kFilterWords * sizeof(std::uint64_t)))) = std::uint64_t;
 
 /// A start that gains this much forward survives without looking backward. Rare in background
 /// (4^-8), and small enough to keep the floor of the backward automaton tight.

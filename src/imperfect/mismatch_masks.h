@@ -48,8 +48,14 @@ class MismatchMasks {
  public:
   static constexpr std::int32_t kUnknown = -1;
 
-  /// How many positions outside the sequence may be looked at.
-  static constexpr std::size_t kReach = 6 * 64;
+ private:
+  static constexpr std::int32_t kBits = BitPlanes::kBitsPerWord;
+  static constexpr std::int32_t kWords = 4;  // paths of five edits seldom get further
+
+ public:
+  /// How many positions outside the sequence may be looked at: a word more than the masks hold, and
+  /// one for reading across its end.
+  static constexpr std::size_t kReach = std::size_t{kWords + 2} * std::size_t{kBits};
 
   /// For decisions at `place` (an offset in the sequence), where unit base `cursor` is due.
   void start(const BitPlanes::Words& planes, const PeriodicUnit& unit, std::ptrdiff_t place,
@@ -58,7 +64,7 @@ class MismatchMasks {
     unit_ = &unit;
     place_ = place;
     cursor_ = cursor;
-    masks_.resize(diagonals * kWords);
+    masks_.resize(diagonals * std::size_t{kWords});
     is_known_.assign(diagonals, 0);
   }
 
@@ -75,9 +81,6 @@ class MismatchMasks {
   }
 
  private:
-  static constexpr std::int32_t kBits = BitPlanes::kBitsPerWord;
-  static constexpr std::int32_t kWords = 4;  // paths of five edits seldom get further
-
   bool compute(std::size_t slot, std::ptrdiff_t diagonal, std::int32_t word) {
     const std::ptrdiff_t first = Direction::first_of_word(place_, word * kBits);
     if (BitPlanes::bits_at(planes_.special, first) != 0) return false;

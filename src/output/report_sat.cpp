@@ -157,9 +157,12 @@ void print_fasta(std::FILE* stream, const Entry& entry) {
 }
 
 void print_old(std::FILE* stream, const Entry& entry) {
+  // Perfections are never negative here, so this rounds to the nearest, halves up.
+  const int rounded =
+      static_cast<int>(entry.perfection + 0.5);  // NOLINT(bugprone-incorrect-roundings)
   std::fprintf(stream, "%s %d : %d -- length %d score %d perfection %d unit %s\n",
                entry.sat.get_repeat_name(), entry.start, entry.end, entry.repeat_length,
-               entry.sat.score, static_cast<int>(entry.perfection + 0.5), entry.unit.c_str());
+               entry.sat.score, rounded, entry.unit.c_str());
   std::fflush(stream);
   print_sequence_display(stream, entry);
 }

@@ -27,7 +27,7 @@ Frame frame_of_format() {
 
 }  // namespace
 
-void CSearchController::report_SATList(std::FILE* stream, std::list<Csat*> sats) {
+void CSearchController::report_SATList(std::FILE* stream, const std::list<Csat*>& sats) {
   const char* header = sequence.header.terminate();
   const char* name = sequence.name.terminate();
   const int length = static_cast<int>(seq_length());

@@ -55,7 +55,7 @@ class CSearchController {
 
   /// Writes the block of this sequence: header, an entry for each repeat of the list, footer; then
   /// flushes. See output/report.h.
-  void report_SATList(std::FILE* stream, std::list<Csat*> sats);
+  void report_SATList(std::FILE* stream, const std::list<Csat*>& sats);
 
   /// Extends `sat` to the right, up to `stop`, one past the last residue, over mismatches,
   /// insertions, deletions and short N runs. Leaves the best alignment found in `sat`.
