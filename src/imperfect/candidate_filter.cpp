@@ -27,6 +27,10 @@ constexpr int kLongestFilteredUnit = 256;
 /// allow.
 int horizon_of(int unit_length) { return 16 + unit_length; }
 
+/// An extension of a short unit costs little more than a step of the filter; one of a long unit so
+/// much that the filter is never too dear.
+int patience_of(int unit_length) { return unit_length <= 6 ? 1 : unit_length; }
+
 FilterPlan plan_of(int unit_length, int min_score) {
   const AlignmentSettings settings;
   FilterPlan plan{};
@@ -37,6 +41,7 @@ FilterPlan plan_of(int unit_length, int min_score) {
   plan.min_score = min_score;
   plan.horizon = horizon_of(unit_length);
   plan.first_check = 10;
+  plan.patience = patience_of(unit_length);
   plan.max_gain = std::min(min_score, kMaxGain);
   plan.max_edits = (plan.horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
   plan.bridges_N = settings.longest_N_run != 0;

@@ -13,8 +13,7 @@ namespace {
 constexpr std::ptrdiff_t kPlanes = 3;
 constexpr int kBitsPerWord = 64;
 
-/// Following the paths of a whole block is still cheaper than extending a single start.
-constexpr int kFewStarts = 0;
+constexpr int kMostStarts = kFilterWords * kBitsPerWord;
 constexpr int kResiduesPerCheck = 2;
 
 struct Automaton {
@@ -138,11 +137,12 @@ void add_gains(const Automaton& automaton, int consumed, int lowest_row, int hig
   }
 }
 
-// Whether so few starts are still alive that following them costs more than extending them.
-bool few_are_left(const Lanes& lanes) {
-  int left = 0;
-  for (std::size_t word = 0; word < kFilterWords; ++word) left += __builtin_popcountll(lanes[word]);
-  return left <= kFewStarts;
+int count_starts(const Lanes& lanes) {
+  int count = 0;
+  for (std::size_t word = 0; word < kFilterWords; ++word) {
+    count += __builtin_popcountll(lanes[word]);
+  }
+  return count;
 }
 
 // Follows all paths of the starts in `lanes`, whose score is at first at most `first_score`. On
@@ -157,6 +157,8 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
   Lanes* to = from + automaton.row_size();
   int lowest_row = 0;
   int highest_row = 0;
+  int left_before = kMostStarts + 1;
+  int idle_checks = 0;
   for (int j = 0; j < plan.horizon && lowest_row <= highest_row; ++j) {
     // What a path that matched all residues can still lose.
     const int to_spend = first_score + j - plan.floor - 1;
@@ -181,7 +183,10 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
     if (j + 1 < plan.first_check || (j + 1) % kResiduesPerCheck != 0) continue;
     lanes = Lanes{};
     for (int edits = lowest_row; edits <= highest_row; ++edits) add_row(automaton, edits, lanes);
-    if (few_are_left(lanes)) break;
+    const int left = count_starts(lanes);
+    idle_checks = left < left_before ? 0 : idle_checks + 1;
+    if (left == 0 || idle_checks > plan.patience) break;
+    left_before = left;
   }
 
   lanes = Lanes{};

@@ -56,7 +56,8 @@ struct FilterPlan {
   int penalty;      ///< The smaller cost of an edit, positive.
   int min_score;    ///< At least 1.
   int horizon;      ///< Residues that are looked at in each direction, at most.
-  int first_check;  ///< After this many residues it may stop when few starts are left.
+  int first_check;  ///< After this many residues it begins to look how many starts are left.
+  int patience;     ///< Looks without a loss of starts before it gives up on the rest.
   int max_gain;     ///< Forward gains are told apart up to here: min(min_score, kMaxGain).
   int max_edits;    ///< No path makes more edits within the horizon.
   bool bridges_N;   ///< N is passed over, rather than an ordinary residue that matches nothing.

@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+"""Run the commands that a README shows and compare what they print with what it shows.
+
+    check_readme.py README BINARY
+
+A fenced block tagged "console" holds commands ("$ vorlan ..." or "$ make run ...", others may follow in the same
+block), each with the lines that it prints to standard output, byte for byte. A line "..." stands for any lines,
+also none; without it nothing may be missing before, between or behind the lines shown. A command that fails is a
+failure whatever it prints. Blocks tagged "sh" show commands without output and are not run; other blocks are
+refused, so that no output stands in the README unchecked.
+
+Commands run in a scratch folder with a copy of the examples beside the README, so that none writes into the
+source tree. "make run" is not built here: make tells which command it would run, and BINARY takes its place.
+
+Ends with "N passed, N failed"; status 1 if any failed or there were none.
+"""
+
+from __future__ import annotations
+
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+from collections.abc import Iterator
+from dataclasses import dataclass
+from pathlib import Path
+
+ENVIRONMENT = {"LC_ALL": "C", "TZ": "UTC"}
+SYSTEM_PATH = "/usr/local/bin:/usr/bin:/bin"
+TIME_LIMIT_SECONDS = 120
+FENCE = re.compile(r"^```(\S*)$")
+ANY_LINES = "..."
+BUILT_BINARY = "build/release/vorlan"
+
+
+@dataclass(frozen=True)
+class Block:
+    """A fenced block; the number is that of its first line in the file, from 1."""
+
+    number: int
+    tag: str
+    lines: tuple[str, ...]
+
+
+@dataclass(frozen=True)
+class Example:
+    """A command and the lines that are shown of its output."""
+
+    number: int
+    command: str
+    shown: tuple[str, ...]
+
+
+class Refused(Exception):
+    """A block that cannot be checked."""
+
+
+def blocks(text: str) -> Iterator[Block]:
+    tag, start, lines = None, 0, []
+    for number, line in enumerate(text.split("\n"), 1):
+        fence = FENCE.match(line)
+        if tag is None and fence:
+            tag, start, lines = fence[1], number + 1, []
+        elif tag is not None and line == "```":
+            yield Block(start, tag, tuple(lines))
+            tag = None
+        elif tag is not None:
+            lines.append(line)
+    if tag is not None:
+        raise Refused(f"line {start}: the block does not end")
+
+
+def examples(block: Block) -> list[Example]:
+    """The commands of a block; nothing for one that shows no output."""
+    if block.tag == "sh":
+        return []
+    if block.tag != "console":
+        raise Refused(f"line {block.number}: a block must be tagged console or sh")
+    if not block.lines or not re.match(r"\$ (vorlan|make run)( |$)", block.lines[0]):
+        raise Refused(f"line {block.number}: a console block begins with '$ vorlan' or '$ make run'")
+    starts = [i for i, line in enumerate(block.lines) if line.startswith("$ ")]
+    return [Example(block.number + start, block.lines[start][2:], block.lines[start + 1:end])
+            for start, end in zip(starts, [*starts[1:], len(block.lines)])]
+
+
+def pieces(shown: tuple[str, ...]) -> list[list[str]]:
+    """What stands between the cuts; n cuts give n + 1 pieces, some of them empty."""
+    parts: list[list[str]] = [[]]
+    for line in shown:
+        if line == ANY_LINES:
+            parts.append([])
+        else:
+            parts[-1].append(line)
+    return parts
+
+
+def find(piece: list[str], printed: list[str], start: int) -> int:
+    """Where the piece begins at or behind start; -1 if nowhere."""
+    return next((i for i in range(start, len(printed) - len(piece) + 1) if printed[i:i + len(piece)] == piece), -1)
+
+
+def mismatch(shown: tuple[str, ...], printed: list[str]) -> str:
+    """Why the lines are not what was printed; empty if they are."""
+    parts = pieces(shown)
+    if len(parts) == 1:
+        return "" if parts[0] == printed else first_difference(parts[0], printed)
+    first, *middle, last = parts
+    if printed[:len(first)] != first:
+        return first_difference(first, printed[:len(first)])
+    position = len(first)
+    for piece in middle:
+        found = find(piece, printed, position)
+        if found < 0:
+            return f"these lines do not follow in the output: {piece!r}"
+        position = found + len(piece)
+    if len(printed) - position < len(last) or printed[len(printed) - len(last):] != last:
+        return f"the output does not end with {last!r}"
+    return ""
+
+
+def first_difference(shown: list[str], printed: list[str]) -> str:
+    for number in range(max(len(shown), len(printed))):
+        pair = [lines[number] if number < len(lines) else None for lines in (shown, printed)]
+        if pair[0] != pair[1]:
+            return f"line {number + 1} of the output: shown {pair[0]!r}, printed {pair[1]!r}"
+    return ""
+
+
+def command_of_make(command: str, root: Path) -> str:
+    """The command that "make run ..." ends with, with vorlan in place of the built program."""
+    done = subprocess.run(["make", "--dry-run", "--no-print-directory", "-C", str(root), *shlex.split(command)[1:]],
+                          env={**ENVIRONMENT, "PATH": SYSTEM_PATH}, stdout=subprocess.PIPE, text=True, check=True)
+    last = done.stdout.rstrip("\n").split("\n")[-1]
+    if not last.startswith(f"{BUILT_BINARY} "):
+        raise Refused(f"'{command}' ends with {last!r}, not with {BUILT_BINARY}")
+    return "vorlan" + last[len(BUILT_BINARY):]
+
+
+def run(command: str, folder: Path, binaries: Path) -> list[str]:
+    """The lines printed to standard output. Raises CalledProcessError when the command fails."""
+    done = subprocess.run(["bash", "-c", command], cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL, env={**ENVIRONMENT, "PATH": f"{binaries}:{SYSTEM_PATH}"},
+                          encoding="utf-8", timeout=TIME_LIMIT_SECONDS, check=True)
+    if done.stdout and not done.stdout.endswith("\n"):
+        raise Refused("the output does not end with a line end")
+    return done.stdout.split("\n")[:-1]
+
+
+def check_block(block: Block, root: Path, binary: Path) -> Iterator[tuple[Example, str]]:
+    """Each command of a block with what is wrong with it; empty if nothing is."""
+    with tempfile.TemporaryDirectory(prefix="readme-") as scratch:
+        folder, binaries = Path(scratch, "work"), Path(scratch, "bin")
+        shutil.copytree(root / "examples", folder / "examples")
+        binaries.mkdir()
+        (binaries / "vorlan").symlink_to(binary)
+        for example in examples(block):
+            try:
+                is_make = example.command.split()[0] == "make"
+                command = command_of_make(example.command, root) if is_make else example.command
+                yield example, mismatch(example.shown, run(command, folder, binaries))
+            except (OSError, UnicodeDecodeError, Refused, subprocess.SubprocessError) as problem:
+                yield example, str(problem)
+
+
+def main(words: list[str]) -> int:
+    if len(words) != 2:
+        sys.stderr.write(__doc__ or "")
+        return 1
+    readme, binary = (Path(word).resolve() for word in words)
+    passed = failed = 0
+    try:
+        for block in blocks(readme.read_text(encoding="utf-8")):
+            for example, problem in check_block(block, readme.parent, binary):
+                passed, failed = (passed, failed + 1) if problem else (passed + 1, failed)
+                if problem:
+                    print(f"FAILED line {example.number}: {example.command}\n  {problem}")
+    except Refused as problem:
+        failed += 1
+        print(f"FAILED {problem}")
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
