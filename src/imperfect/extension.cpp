@@ -28,6 +28,7 @@ namespace {
 
 /// With room for this many edits at most, the look-ahead goes path by path.
 constexpr int kFewEdits = 3;
+constexpr int kShallowLevel = 7;
 
 MergedLookAheadMemory<Forward>& memory_of(Forward, ExtensionContext& context) {
   return context.forward_memory;
@@ -132,10 +133,11 @@ class Extension {
   }
 
   // Close to the floor there are so few paths that looking for equal states costs more than it
-  // saves.
+  // saves. A deep look-ahead has many all the same: a path that gains on its way goes on for long.
   bool has_few_paths(std::int64_t score) const {
     const std::int64_t worst_edit = std::min(settings_.mismatch_score, settings_.indel_score);
-    return score + kFewEdits * worst_edit <= settings_.threshold(score, unit_.length());
+    return settings_.deepest_level() > 0 && settings_.deepest_level() <= kShallowLevel &&
+           score + kFewEdits * worst_edit <= settings_.threshold(score, unit_.length());
   }
 
   Move decide(const State& state, std::int64_t best_score) {

@@ -28,7 +28,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -51,17 +50,9 @@ struct MergedLookAheadMemory {
     std::int32_t lead() const { return score - advance; }
   };
 
-  /// The states of one diagonal, of all levels. Only the first few are kept: what is not kept
-  /// prunes nothing, which costs time, not exactness.
-  struct Seen {
-    static constexpr std::size_t kMost = 8;
-    std::size_t count = 0;
-    std::array<State, kMost> states;
-  };
-
   std::vector<State> level;
   std::vector<State> next_level;
-  std::vector<Seen> seen;
+  std::vector<std::vector<State>> seen;  ///< By diagonal, of all levels.
   PeriodicUnit unit;
   MismatchMasks<Direction> masks;
 };
@@ -119,7 +110,6 @@ class MergedLookAhead {
 
  private:
   using State = typename Memory::State;
-  using Seen = typename Memory::Seen;
 
   static constexpr std::int64_t kLargestScore = 1 << 29;
   static constexpr std::int32_t kUnreached = std::numeric_limits<std::int32_t>::min();
@@ -134,7 +124,7 @@ class MergedLookAhead {
   // The highest score behind the first edit `move`; kUnreached if the floor forbids it.
   template <Move move>
   std::int32_t value_of() {
-    for (Seen& seen : memory_.seen) seen.count = 0;
+    for (std::vector<State>& seen : memory_.seen) seen.clear();
     memory_.next_level.clear();
     highest_ = kUnreached;
     is_last_level_ = settings_.deepest_level() == 1;
@@ -207,12 +197,11 @@ class MergedLookAhead {
   }
 
   void add(std::size_t slot, const State& state) {
-    Seen& seen = memory_.seen[slot];
-    for (std::size_t i = 0; i < seen.count; ++i) {
-      const State& other = seen.states[i];
+    std::vector<State>& seen = memory_.seen[slot];
+    for (const State& other : seen) {
       if (other.advance >= state.advance && other.lead() >= state.lead()) return;
     }
-    if (seen.count < Seen::kMost) seen.states[seen.count++] = state;
+    seen.push_back(state);
     memory_.next_level.push_back(state);
   }
 
