@@ -52,6 +52,7 @@ class CandidateTrial {
 
   /// Extends the candidate at `start`. Returns its record if it is accepted, else null.
   Csat* accept(const char* start) {
+    forget_ways_if_many();
     Csat& sat = spare_.candidate(start, start + unit_length_);
     std::vector<PathSegment> forward;
     std::vector<PathSegment> backward;
@@ -69,7 +70,6 @@ class CandidateTrial {
     sat.events_pending = !forward.empty() || !backward.empty();
     sat.sort_missense();
     painter_.accept({&sat, std::move(forward), std::move(backward)}, start);
-    forget_ways_if_many();
     return spare_.release();
   }
 

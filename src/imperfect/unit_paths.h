@@ -50,6 +50,7 @@ class UnitPaths {
   void forget() {
     forward_.clear();
     backward_.clear();
+    phases_ = UnitPhases();
   }
 
   std::uint32_t offset_of(const char* place) const {
