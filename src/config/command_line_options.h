@@ -18,9 +18,8 @@
 namespace vorlan {
 
 /// The file names. The library's own argument would also take every unknown option for a file
-/// name, and the run would then create a file of that name; here what begins with '-' is left
-/// unmatched, which the library reports as a parse failure. A lone '-' is a name, and after "--"
-/// so is everything.
+/// name, and the run would then create a file of that name; here what begins with '-' and was not
+/// taken by an option is a parse failure. A lone '-' is a name, and after "--" so is everything.
 class FileNamesArg : public TCLAP::UnlabeledMultiArg<std::string> {
  public:
   FileNamesArg(TCLAP::CmdLineInterface& cmd, const std::string& description)
@@ -28,7 +27,9 @@ class FileNamesArg : public TCLAP::UnlabeledMultiArg<std::string> {
 
   bool processArg(int* i, std::vector<std::string>& args) override {
     const std::string& arg = args[static_cast<std::size_t>(*i)];
-    if (arg.size() > 1 && arg.front() == '-' && !TCLAP::Arg::ignoreRest()) return false;
+    if (arg.size() > 1 && arg.front() == '-' && !TCLAP::Arg::ignoreRest()) {
+      throw TCLAP::CmdLineParseException("Couldn't find match for argument", arg);
+    }
     return UnlabeledMultiArg::processArg(i, args);
   }
 };

@@ -1,0 +1,86 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+"""Runs that the system ends: for want of memory, or in the middle."""
+
+from __future__ import annotations
+
+import os
+import resource
+import signal
+import subprocess
+import time
+import unittest
+
+from program_run import SANITIZED, TIME_LIMIT_SECONDS, Outcome, ProgramTest
+from small_record import RESIDUES, block, header
+
+MEGABYTE = 2**20
+TOO_LITTLE_MEMORY = (b"Sorry, there is not enough memory for this run.\n\n"
+                     b"Analysis has been aborted due to errors. Error number: -103\n\n")
+
+
+@unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
+class TooLittleMemory(ProgramTest):
+    def run_with(self, megabytes: int, data: bytes, *arguments: str) -> Outcome:
+        limit = megabytes * MEGABYTE
+        return self.run_program(*arguments, piped=data,
+                                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+
+    def assert_too_little(self, outcome: Outcome) -> None:
+        self.assertEqual(outcome.console[-len(TOO_LITTLE_MEMORY):], TOO_LITTLE_MEMORY)
+        self.assertEqual(outcome.status, 153)
+
+    def test_a_small_record_needs_less_than_sixty_megabytes(self) -> None:
+        self.assert_success(self.run_with(60, b">s\n" + RESIDUES, "/dev/stdin"))
+
+    def test_residues_that_do_not_fit_are_told_and_leave_the_reports_before_them(self) -> None:
+        # Room for residues doubles from 10 million and one: 45 million ask for 80 million bytes.
+        outcome = self.run_with(60, b">a\n%s\n>b\n" % RESIDUES + b"ACGTTGCA" * 5_625_000, "/dev/stdin", "out.txt")
+        self.assert_too_little(outcome)
+        self.assertEqual(outcome.progress(), [b"#   1 -    1bp - a"])
+        self.assertEqual(self.read("out.txt"), header(b"/dev/stdin", b"out.txt") + block(b"a"))
+
+    def test_a_record_that_fits_but_cannot_be_searched_is_told(self) -> None:
+        # 40 million bytes of residues, and a mark for each of them.
+        outcome = self.run_with(60, b">a\n%s\n>b\n" % RESIDUES + b"ACGTTGCA" * 5_000_000, "/dev/stdin", "out.txt")
+        self.assert_too_little(outcome)
+        self.assertEqual(self.read("out.txt"), header(b"/dev/stdin", b"out.txt") + block(b"a"))
+
+    def test_a_header_that_does_not_fit_is_told(self) -> None:
+        self.assert_too_little(self.run_with(60, b">" + b"x" * 40_000_000, "/dev/stdin", "out.txt"))
+        self.assertEqual(self.read("out.txt"), header(b"/dev/stdin", b"out.txt"))
+
+
+class EndedInTheMiddle(ProgramTest):
+    # Two records, and so much of a third that the reading goes past the first two: it takes a million
+    # bytes at a time, and waits for them.
+    BEGINNING = b">a\n%s\n>b\n%s\n>c\n" % (RESIDUES, RESIDUES) + b"ACGTTGCAGGCT" * 200_000
+    REPORT = header(b"in.fa", b"out.txt") + block(b"a") + block(b"b")
+
+    def wait_for_report(self, process: subprocess.Popen[bytes]) -> None:
+        deadline = time.monotonic() + TIME_LIMIT_SECONDS
+        while not os.path.exists(self.folder / "out.txt") or len(self.read("out.txt")) < len(self.REPORT):
+            self.assertIsNone(process.poll(), "the run has ended by itself")
+            self.assertLess(time.monotonic(), deadline, "two records are not reported in time")
+            time.sleep(0.01)
+
+    def end_by(self, number: signal.Signals) -> int:
+        """Run on an input that stalls in its third record, and send the signal then."""
+        with self.start("in.fa", "out.txt", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+            try:
+                with self.open_fifo("in.fa", process) as fifo:
+                    fifo.write(self.BEGINNING)
+                    fifo.flush()
+                    self.wait_for_report(process)
+                    process.send_signal(number)
+                    return process.wait(timeout=TIME_LIMIT_SECONDS)
+            finally:
+                process.kill()
+
+    def test_a_killed_run_leaves_whole_records_and_no_closing_line(self) -> None:
+        os.mkfifo(self.folder / "in.fa")
+        for number in (signal.SIGKILL, signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(signal=number.name):
+                self.assertEqual(self.end_by(number), -number)
+                self.assertEqual(self.read("out.txt"), self.REPORT)
+                (self.folder / "out.txt").unlink()
