@@ -14,6 +14,7 @@ cmake cmake
 ninja ninja-build
 /usr/include/tclap/CmdLine.h libtclap-dev' ;;
     test) echo '/usr/include/gtest/gtest.h libgtest-dev
+/usr/include/gmock/gmock.h libgmock-dev
 python3 python3' ;;
     clang) echo 'clang++ clang' ;;
     bench) echo '/usr/include/benchmark/benchmark.h libbenchmark-dev
