@@ -16,7 +16,8 @@ ninja ninja-build
     test) echo '/usr/include/gtest/gtest.h libgtest-dev
 /usr/include/gmock/gmock.h libgmock-dev
 python3 python3' ;;
-    clang) echo 'clang++ clang' ;;
+    clang) echo 'clang++ clang
+/usr/share/doc/libclang-rt-dev libclang-rt-dev' ;;
     bench) echo '/usr/include/benchmark/benchmark.h libbenchmark-dev
 python3 python3' ;;
     lint) echo 'clang-format clang-format
