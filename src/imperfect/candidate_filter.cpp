@@ -4,7 +4,6 @@
 #include "imperfect/candidate_filter.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <new>
 
 #include "imperfect/alignment_settings.h"
@@ -31,6 +30,10 @@ int horizon_of(int unit_length) { return 16 + unit_length; }
 /// much that the filter is never too dear.
 int patience_of(int unit_length) { return unit_length <= 6 ? 1 : unit_length; }
 
+/// Residues after which a path of random sequence is rarely alive (4^-10 without edits): counting
+/// before that costs more than it can save.
+constexpr int kFirstCheck = 10;
+
 FilterPlan plan_of(int unit_length, int min_score) {
   const AlignmentSettings settings;
   FilterPlan plan{};
@@ -40,7 +43,7 @@ FilterPlan plan_of(int unit_length, int min_score) {
       -std::max(settings.mismatch_score, settings.indel_score), std::int64_t{1} << 20));
   plan.min_score = min_score;
   plan.horizon = horizon_of(unit_length);
-  plan.first_check = 10;
+  plan.first_check = kFirstCheck;
   plan.patience = patience_of(unit_length);
   plan.max_gain = std::min(min_score, kMaxGain);
   plan.max_edits = (plan.horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
