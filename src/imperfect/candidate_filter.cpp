@@ -4,6 +4,8 @@
 #include "imperfect/candidate_filter.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <new>
 
 #include "imperfect/alignment_settings.h"
@@ -25,16 +27,39 @@ constexpr int kLongestFilteredUnit = 256;
 /// all paths, so a path is dead after about half a unit length on top of what its first edits
 /// allow.
 int horizon_of(int unit_length) { return 16 + unit_length; }
+int horizon_of_glance(int unit_length) { return 6 + unit_length / 2; }
 
 /// An extension of a short unit costs little more than a step of the filter; one of a long unit so
 /// much that the filter is never too dear.
-int patience_of(int unit_length) { return unit_length <= 6 ? 1 : unit_length; }
+constexpr int kShortUnit = 6;
+int patience_of(int unit_length) { return unit_length <= kShortUnit ? 1 : unit_length; }
 
 /// Residues after which a path of random sequence is rarely alive (4^-10 without edits): counting
 /// before that costs more than it can save.
 constexpr int kFirstCheck = 10;
 
-FilterPlan plan_of(int unit_length, int min_score) {
+/// A start that gains this much forward survives without looking backward. Rare in background
+/// (4^-8), and small enough to keep the floor of the backward automaton tight.
+constexpr int kMaxGain = 8;
+
+/// A glance asks for little: some starts may stay in doubt, and those that gain a little forward
+/// are in doubt anyway, so that looking backward is cheap.
+constexpr int kFirstCheckOfGlance = 4;
+constexpr int kFewDoubts = kFilterStarts / 16;
+constexpr int kMaxGainOfGlance = 3;
+
+/// Less starts of a short unit than this are extended sooner than looked at.
+constexpr std::size_t kFewestToLookAt = 8;
+
+constexpr std::size_t kLanes = kFilterStarts;
+
+void set_lowest_bits(std::array<std::uint64_t, kFilterWords>& words, std::size_t count) {
+  constexpr std::size_t kBits = BitPlanes::kBitsPerWord;
+  std::fill_n(words.begin(), count / kBits, ~std::uint64_t{0});
+  if (count % kBits != 0) words[count / kBits] = (std::uint64_t{1} << count % kBits) - 1;
+}
+
+FilterPlan plan_of(int unit_length, int min_score, int horizon, int max_gain) {
   const AlignmentSettings settings;
   FilterPlan plan{};
   plan.unit_length = unit_length;
@@ -42,12 +67,25 @@ FilterPlan plan_of(int unit_length, int min_score) {
   plan.penalty = static_cast<int>(std::min<std::int64_t>(
       -std::max(settings.mismatch_score, settings.indel_score), std::int64_t{1} << 20));
   plan.min_score = min_score;
-  plan.horizon = horizon_of(unit_length);
-  plan.first_check = kFirstCheck;
-  plan.patience = patience_of(unit_length);
-  plan.max_gain = std::min(min_score, kMaxGain);
-  plan.max_edits = (plan.horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
+  plan.horizon = horizon;
+  plan.max_gain = std::min(min_score, max_gain);
+  plan.max_edits = (horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
   plan.bridges_N = settings.longest_N_run != 0;
+  plan.patience = patience_of(unit_length);
+  return plan;
+}
+
+FilterPlan plan_of_glance(int unit_length, int min_score) {
+  FilterPlan plan =
+      plan_of(unit_length, min_score, horizon_of_glance(unit_length), kMaxGainOfGlance);
+  plan.first_check = kFirstCheckOfGlance;
+  plan.few = kFewDoubts;
+  return plan;
+}
+
+FilterPlan plan_of_close_look(int unit_length, int min_score) {
+  FilterPlan plan = plan_of(unit_length, min_score, horizon_of(unit_length), kMaxGain);
+  plan.first_check = kFirstCheck;
   return plan;
 }
 
@@ -64,40 +102,84 @@ void CandidateFilter::FreeAligned::operator()(std::byte* memory) const {
 }
 
 CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
-                                 FilterKernel* kernel)
+                                 const FilterKernel& kernel)
     : planes_(planes.words()),
       can_judge_(unit_length <= kLongestFilteredUnit && min_score > 0),
       kernel_(kernel) {
   if (!can_judge_) return;
-  plan_ = plan_of(static_cast<int>(unit_length), min_score);
+  glance_ = plan_of_glance(static_cast<int>(unit_length), min_score);
+  close_look_ = plan_of_close_look(static_cast<int>(unit_length), min_score);
+  allocate();
+}
+
+// The close look needs more of everything than the glance.
+void CandidateFilter::allocate() {
+  const FilterPlan& plan = close_look_;
   const auto size = [](int lanes) { return static_cast<std::size_t>(lanes); };
-  const std::size_t row = size(filter_row_size(plan_));
-  const std::size_t shifted = 3 * size(plan_.unit_length + 2 * plan_.horizon);
-  const std::size_t cells = size(plan_.max_edits + 1) * row;
-  const std::size_t forward_gains = size(plan_.max_gain + 1);
-  const std::size_t backward_gains = size(std::min(plan_.min_score, plan_.horizon) + 1);
-  const std::size_t lanes = shifted + cells + 3 * row + forward_gains + backward_gains;
+  const std::size_t row = size(filter_row_size(plan));
+  const std::size_t shifted = 3 * size(filter_offsets(plan));
+  const std::size_t cells = size(plan.max_edits + 1) * row;
+  const std::size_t forward_gains = size(plan.max_gain + 1);
+  const std::size_t backward_gains = size(std::min(plan.min_score, plan.horizon) + 1);
+  const std::size_t lanes = shifted + cells + 4 * row + forward_gains + backward_gains;
   memory_.reset(new (kLanesAlignment) std::byte[lanes * sizeof(Lanes)]);
   buffers_.shifted = static_cast<Lanes*>(static_cast<void*>(memory_.get()));
   buffers_.cells = buffers_.shifted + shifted;
-  buffers_.matches = buffers_.cells + cells;
-  buffers_.mismatches = buffers_.matches + row;
-  buffers_.forward_gains = buffers_.mismatches + 2 * row;
+  buffers_.mismatches = buffers_.cells + cells;
+  buffers_.leaving = buffers_.mismatches + row;
+  buffers_.forward_gains = buffers_.leaving + 3 * row;
   buffers_.backward_gains = buffers_.forward_gains + forward_gains;
+  std::fill_n(buffers_.leaving, row, Lanes{});
 }
 
-void CandidateFilter::keep_survivors(std::ptrdiff_t first_word, std::uint64_t* candidates) {
-  if (can_judge_) kernel_(plan_, planes_, first_word, buffers_, candidates);
+void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
+  if (!can_judge_) return;
+  kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
+  for (std::size_t i = 0; i < kFilterWords; ++i) {
+    const std::ptrdiff_t begin =
+        (first_word + static_cast<std::ptrdiff_t>(i)) * BitPlanes::kBitsPerWord;
+    for (std::uint64_t left = candidates[i]; left != 0; left &= left - 1) {
+      doubts_[doubt_count_++] = begin + std::countr_zero(left);
+    }
+    candidates[i] = 0;
+  }
+}
+
+std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
+  const std::size_t count = std::min(doubt_count_, kLanes);
+  std::copy_n(doubts_.begin(), count, survivors_.begin());
+  std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());
+  doubt_count_ -= count;
+  if (close_look_.unit_length <= kShortUnit && count < kFewestToLookAt)
+    return {survivors_.data(), count};
+  return {survivors_.data(), keep_survivors(count)};
+}
+
+std::size_t CandidateFilter::keep_survivors(std::size_t count) {
+  // The lanes that are left over look at the last start once more.
+  std::fill(survivors_.begin() + count, survivors_.end(), survivors_[count - 1]);
+  std::array<std::uint64_t, kFilterWords> left{};
+  set_lowest_bits(left, count);
+  kernel_.judge_starts(close_look_, planes_, survivors_.data(), buffers_, left.data());
+  std::size_t kept = 0;
+  for (std::size_t word = 0; word < kFilterWords; ++word) {
+    for (std::uint64_t bits = left[word]; bits != 0; bits &= bits - 1) {
+      const auto bit = static_cast<std::size_t>(std::countr_zero(bits));
+      survivors_[kept++] = survivors_[word * BitPlanes::kBitsPerWord + bit];
+    }
+  }
+  return kept;
 }
 
 namespace {
 
-std::vector<FilterKernel*> kernels_of_this_processor() {
-  std::vector<FilterKernel*> kernels{portable::keep_survivors};
+std::vector<FilterKernel> kernels_of_this_processor() {
+  std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts}};
 #ifdef VORLAN_X86_KERNELS
-  if (__builtin_cpu_supports("avx2")) kernels.push_back(avx2::keep_survivors);
+  if (!__builtin_cpu_supports("bmi2")) return kernels;
+  if (__builtin_cpu_supports("avx2")) kernels.push_back({avx2::judge_block, avx2::judge_starts});
   if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
-    kernels.push_back(avx512::keep_survivors);
+    kernels.push_back({avx512::judge_block, avx512::judge_starts});
   }
 #endif
   return kernels;
@@ -105,8 +187,8 @@ std::vector<FilterKernel*> kernels_of_this_processor() {
 
 }  // namespace
 
-const std::vector<FilterKernel*>& runnable_filter_kernels() {
-  static const std::vector<FilterKernel*> kernels = kernels_of_this_processor();
+const std::vector<FilterKernel>& runnable_filter_kernels() {
+  static const std::vector<FilterKernel> kernels = kernels_of_this_processor();
   return kernels;
 }
 

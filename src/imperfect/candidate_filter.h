@@ -3,9 +3,11 @@
 
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "imperfect/candidate_filter_kernel.h"
@@ -14,36 +16,57 @@
 namespace vorlan {
 
 /// The kernels that this processor can run, the narrowest registers first.
-const std::vector<FilterKernel*>& runnable_filter_kernels();
+const std::vector<FilterKernel>& runnable_filter_kernels();
 
-/// Tells which start positions of one unit length cannot lead to an accepted repeat, 512 at a time.
-/// It never rejects a candidate that the extension would accept; see candidate_filter_kernel.h for
-/// why, and for when there is nothing to judge by.
+/// Tells which start positions of one unit length cannot lead to an accepted repeat. It never
+/// rejects a candidate that the extension would accept; see candidate_filter_kernel.h for why, and
+/// for when there is nothing to judge by.
+///
+/// It looks twice. A glance over a few residues rejects some nine in ten starts, a block at a time.
+/// Those that are in doubt are collected over several blocks, so that they fill the lanes again,
+/// and then looked at closely.
 class CandidateFilter {
  public:
   /// For units of `unit_length` bases that need `min_score`, with the penalties of the settings.
   /// Requires that the planes have a margin of `margin(unit_length)` positions and outlive this.
   CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
-                  FilterKernel* kernel = runnable_filter_kernels().back());
+                  const FilterKernel& kernel = runnable_filter_kernels().back());
 
   /// How many positions outside the sequence it looks at, for units up to `unit_length`.
   static std::size_t margin(unsigned unit_length);
 
-  /// Clears in `candidates`, kFilterWords words for the positions from `first_word` * 64 on, the
-  /// starts that cannot lead to a repeat.
-  void keep_survivors(std::ptrdiff_t first_word, std::uint64_t* candidates);
+  /// Glances at a block, from left to right: takes starts out of `candidates`, kFilterWords words
+  /// for the positions from `first_word` * 64 on. Those in doubt are kept for `look_closely`. What
+  /// stays cannot be judged and survives. Requires that less than kFilterStarts are in doubt.
+  void glance(std::ptrdiff_t first_word, std::uint64_t* candidates);
+
+  /// How many starts are in doubt, and the first of them.
+  std::size_t doubts() const { return doubt_count_; }
+  std::ptrdiff_t first_doubt() const { return doubts_[0]; }
+
+  /// Looks closely at the first kFilterStarts starts in doubt, or all when there are fewer. Returns
+  /// those that survive, in order, until the next call.
+  std::span<const std::ptrdiff_t> look_closely();
 
  private:
   struct FreeAligned {
     void operator()(std::byte* memory) const;
   };
 
+  void allocate();
+  std::size_t keep_survivors(std::size_t count);
+
   BitPlanes::Words planes_;
   bool can_judge_;
-  FilterPlan plan_;
-  FilterKernel* kernel_;
+  FilterPlan glance_;
+  FilterPlan close_look_;
+  FilterKernel kernel_;
   std::unique_ptr<std::byte[], FreeAligned> memory_;
   FilterBuffers buffers_{};
+  /// Less than kFilterStarts when a block is added.
+  std::array<std::ptrdiff_t, 2 * kFilterStarts> doubts_;
+  std::size_t doubt_count_ = 0;
+  std::array<std::ptrdiff_t, kFilterStarts> survivors_;
 };
 
 }  // namespace vorlan

@@ -13,7 +13,6 @@ namespace {
 constexpr std::ptrdiff_t kPlanes = 3;
 constexpr int kBitsPerWord = 64;
 
-constexpr int kMostStarts = kFilterWords * kBitsPerWord;
 constexpr int kResiduesPerCheck = 2;
 
 struct Automaton {
@@ -26,7 +25,16 @@ struct Automaton {
 
   /// Diagonal 0 of the row of cells with so many edits.
   Lanes* row(int edits) const { return buffers.cells + edits * row_size() + middle(); }
+  /// Diagonal 0 of one of the three rows of leaving paths.
+  Lanes* leaving(int which) const { return buffers.leaving + which * row_size() + middle(); }
 };
+
+// The bits of a plane from `position` on.
+std::uint64_t bits_from(const std::uint64_t* plane, std::ptrdiff_t position) {
+  const std::ptrdiff_t shift = position & (kBitsPerWord - 1);
+  const std::uint64_t* word = plane + (position >> 6);
+  return (word[0] >> shift) | ((word[1] << 1) << (kBitsPerWord - 1 - shift));
+}
 
 int smaller(int a, int b) { return a < b ? a : b; }
 
@@ -36,46 +44,87 @@ bool is_empty(const Lanes& lanes) {
   return any == 0;
 }
 
-// The planes as seen from each start: bit s of the lanes for offset o is position s + o.
-// Returns whether there is anything but bases.
-bool shift_planes(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first_word,
-                  Lanes* shifted) {
-  const std::uint64_t* const words[kPlanes] = {planes.low, planes.high, planes.special};
-  Lanes any_special = {};
+// Whether there is anything but bases where the starts from `first` to `last` look.
+bool has_special(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first,
+                 std::ptrdiff_t last) {
+  const std::uint64_t* word = planes.special + ((first - plan.horizon) >> 6);
+  const std::uint64_t* end = planes.special + ((last + plan.unit_length + plan.horizon) >> 6) + 1;
+  std::uint64_t any = 0;
+  for (; word != end; ++word) any |= *word;
+  return any != 0;
+}
+
+// A plane as seen from each start of a block: bit s of the lanes for offset o is position s + o.
+void shift_plane(const FilterPlan& plan, const std::uint64_t* plane, std::ptrdiff_t first_word,
+                 Lanes* shifted) {
   for (int offset = -plan.horizon; offset < plan.unit_length + plan.horizon; ++offset) {
     const int shift = offset & (kBitsPerWord - 1);
-    const std::ptrdiff_t word = first_word + (offset - shift) / kBitsPerWord;
-    for (const std::uint64_t* plane : words) {
-      Lanes here;
-      Lanes next;
-      __builtin_memcpy(&here, plane + word, sizeof here);
-      __builtin_memcpy(&next, plane + word + 1, sizeof next);
-      *shifted++ = (here >> shift) | ((next << 1) << (kBitsPerWord - 1 - shift));
-    }
-    any_special |= shifted[-1];
+    const std::uint64_t* const word = plane + first_word + (offset >> 6);
+    Lanes here;
+    Lanes next;
+    __builtin_memcpy(&here, word, sizeof here);
+    __builtin_memcpy(&next, word + 1, sizeof next);
+    *shifted = (here >> shift) | ((next << 1) << (kBitsPerWord - 1 - shift));
+    shifted += kPlanes;
   }
-  return !is_empty(any_special);
 }
 
-void set_match(const Automaton& automaton, const Lanes* text, const Lanes* unit, Lanes& match) {
-  match = ~((text[0] ^ unit[0]) | (text[1] ^ unit[1]));
+// Makes columns of rows in eight matrices of 64 by 64 bits, which lie side by side. From the book
+// "Hacker's Delight", 7-3: blocks off the diagonal change places, large ones first.
+void transpose(Lanes* rows) {
+  std::uint64_t low_half = 0xFFFFFFFF;
+  for (int size = kBitsPerWord / 2; size > 0; size /= 2, low_half ^= low_half << size) {
+    for (int row = 0; row < kBitsPerWord; row = (row + size + 1) & ~size) {
+      const Lanes differ = ((rows[row] >> size) ^ rows[row + size]) & low_half;
+      rows[row] ^= differ << size;
+      rows[row + size] ^= differ;
+    }
+  }
+}
+
+// A plane as seen from starts that lie anywhere: bit i of the lanes for offset o is position
+// starts[i] + o.
+void gather_plane(const FilterPlan& plan, const std::uint64_t* plane, const std::ptrdiff_t* starts,
+                  Lanes* shifted) {
+  static_assert(kFilterWords == 8);
+  Lanes rows[kBitsPerWord];
+  for (int first = -plan.horizon; first < plan.unit_length + plan.horizon; first += kBitsPerWord) {
+    for (int row = 0; row < kBitsPerWord; ++row) {
+      const auto bits_of = [&](int word) {
+        return bits_from(plane, starts[word * kBitsPerWord + row] + first);
+      };
+      // All at once: writing the words one by one would be far slower to read back.
+      rows[row] = Lanes{bits_of(0), bits_of(1), bits_of(2), bits_of(3),
+                        bits_of(4), bits_of(5), bits_of(6), bits_of(7)};
+    }
+    transpose(rows);
+    for (const Lanes& row : rows) {
+      *shifted = row;
+      shifted += kPlanes;
+    }
+  }
+}
+
+void set_mismatch(const Automaton& automaton, const Lanes* text, const Lanes* unit,
+                  Lanes& mismatch) {
+  mismatch = (text[0] ^ unit[0]) | (text[1] ^ unit[1]);
   if (!automaton.has_special) return;
-  match &= ~text[2];
-  if (automaton.plan.bridges_N) match |= text[2] & ~text[0];
+  mismatch |= text[2];
+  if (automaton.plan.bridges_N) mismatch &= ~text[2] | text[0];
 }
 
-// Where residue j meets the unit base of each diagonal.
-void set_matches(const Automaton& automaton, bool forward, int j, int first_diagonal,
-                 int last_diagonal) {
+// Where residue j does not meet the unit base of each diagonal.
+void set_mismatches(const Automaton& automaton, bool forward, int j, int first_diagonal,
+                    int last_diagonal) {
   const FilterPlan& plan = automaton.plan;
   const Lanes* start = automaton.buffers.shifted + kPlanes * plan.horizon;
   const Lanes* text = start + kPlanes * (forward ? plan.unit_length + j : -1 - j);
+  Lanes* mismatches = automaton.buffers.mismatches + automaton.middle();
+  int base = (j - first_diagonal) % plan.unit_length;
   for (int d = first_diagonal; d <= last_diagonal; ++d) {
-    int base = (j - d) % plan.unit_length;
-    if (base < 0) base += plan.unit_length;
-    if (!forward) base = plan.unit_length - 1 - base;
-    set_match(automaton, text, start + kPlanes * base,
-              automaton.buffers.matches[automaton.middle() + d]);
+    set_mismatch(automaton, text, start + kPlanes * (forward ? base : plan.unit_length - 1 - base),
+                 mismatches[d]);
+    base = (base == 0 ? plan.unit_length : base) - 1;
   }
 }
 
@@ -84,40 +133,36 @@ void clear_row(const Automaton& automaton, int edits) {
   for (int d = -edits; d <= edits; ++d) row[d] = Lanes{};
 }
 
-void add_row(const Automaton& automaton, int edits, Lanes& lanes) {
-  const Lanes* row = automaton.row(edits);
-  for (int d = -edits; d <= edits; ++d) lanes |= row[d];
-}
-
 // Moves all paths with `edits` edits over residue j. `from` holds, on diagonals up to `from_last`,
 // the paths that leave the row above by an edit at this residue; `to` receives those that leave
 // this row, on diagonals up to `to_last`. Edits from lower rows leave more score: to_last <
-// from_last.
-void step_row(const Automaton& automaton, int j, int edits, int from_last, int to_last,
-              const Lanes* from, Lanes* to) {
+// from_last. Returns the starts that have a path in the row afterwards.
+Lanes step_row(const Automaton& automaton, int j, int edits, int from_last, int to_last,
+               const Lanes* from, Lanes* to) {
   Lanes* row = automaton.row(edits);
-  const Lanes* matches = automaton.buffers.matches + automaton.middle();
+  const Lanes* mismatches = automaton.buffers.mismatches + automaton.middle();
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
   const int last_receiver = smaller(from_last + 1, last_diagonal);
+  Lanes in_row = {};
   int d = -edits;
   for (; d <= to_last; ++d) {
     const Lanes here = row[d] | from[d + 1];  // a deletion consumes no residue
-    row[d] = (here & matches[d]) | from[d] |  // a mismatch
-             from[d - 1];                     // an insertion
-    to[d] = here & ~matches[d];
+    to[d] = here & mismatches[d];
+    row[d] = (here & ~mismatches[d]) | from[d] |  // a mismatch
+             from[d - 1];                         // an insertion
+    in_row |= row[d];
   }
   for (; d <= last_receiver; ++d) {
-    row[d] = ((row[d] | from[d + 1]) & matches[d]) | from[d] | from[d - 1];
+    row[d] = ((row[d] | from[d + 1]) & ~mismatches[d]) | from[d] | from[d - 1];
+    in_row |= row[d];
   }
-  for (; d <= last_diagonal; ++d) row[d] &= matches[d];
+  for (; d <= last_diagonal; ++d) {
+    row[d] &= ~mismatches[d];
+    in_row |= row[d];
+  }
   to[-edits - 2] = to[-edits - 1] = to[to_last + 1] = to[to_last + 2] = Lanes{};
-}
-
-bool row_is_empty(const Automaton& automaton, int edits) {
-  Lanes any = {};
-  add_row(automaton, edits, any);
-  return is_empty(any);
+  return in_row;
 }
 
 // Halves of numbers that may be negative, rounded up.
@@ -153,53 +198,44 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
   for (int i = 0; i <= max_gain; ++i) gains[i] = Lanes{};
   automaton.row(0)[0] = lanes;
 
-  Lanes* from = automaton.buffers.mismatches + automaton.middle();
-  Lanes* to = from + automaton.row_size();
   int lowest_row = 0;
   int highest_row = 0;
-  int left_before = kMostStarts + 1;
+  int left_before = kFilterStarts + 1;
   int idle_checks = 0;
-  for (int j = 0; j < plan.horizon && lowest_row <= highest_row; ++j) {
+  for (int j = 0; j < plan.horizon; ++j) {
     // What a path that matched all residues can still lose.
     const int to_spend = first_score + j - plan.floor - 1;
     const int last_row = smaller(to_spend < 0 ? 0 : to_spend / plan.penalty, plan.max_edits);
     while (highest_row < last_row) clear_row(automaton, ++highest_row);
-    set_matches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
-    for (int d = -lowest_row - 1; d <= lowest_row + 1; ++d) from[d] = Lanes{};
+    set_mismatches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
+    const Lanes* from = automaton.leaving(0);
     int from_last = -lowest_row - 2;
+    lanes = Lanes{};
     for (int edits = lowest_row; edits <= highest_row; ++edits) {
       // Edits from diagonals up to here keep the score above the floor.
       const int spare = to_spend - plan.penalty * (edits + 1);
       const int to_last =
           spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
-      step_row(automaton, j, edits, from_last, to_last, from, to);
-      from_last = to_last;
-      Lanes* const done = from;
+      Lanes* to = automaton.leaving(1 + edits % 2);
+      lanes |= step_row(automaton, j, edits, from_last, to_last, from, to);
+      if (edits == lowest_row && is_empty(lanes)) ++lowest_row;
       from = to;
-      to = done;
+      from_last = to_last;
     }
-    while (lowest_row <= highest_row && row_is_empty(automaton, lowest_row)) ++lowest_row;
     add_gains(automaton, j + 1, lowest_row, highest_row, max_gain, gains);
     if (j + 1 < plan.first_check || (j + 1) % kResiduesPerCheck != 0) continue;
-    lanes = Lanes{};
-    for (int edits = lowest_row; edits <= highest_row; ++edits) add_row(automaton, edits, lanes);
     const int left = count_starts(lanes);
     idle_checks = left < left_before ? 0 : idle_checks + 1;
-    if (left == 0 || idle_checks > plan.patience) break;
+    if (left <= plan.few || idle_checks > plan.patience) break;
     left_before = left;
   }
-
-  lanes = Lanes{};
-  for (int edits = lowest_row; edits <= highest_row; ++edits) add_row(automaton, edits, lanes);
   for (int gain = max_gain; gain > 0; --gain) gains[gain - 1] |= gains[gain];
 }
 
-}  // namespace
-
-void keep_survivors(const FilterPlan& plan, const BitPlanes::Words& planes,
-                    std::ptrdiff_t first_word, const FilterBuffers& buffers,
-                    std::uint64_t* candidates) {
-  const Automaton automaton{plan, buffers, shift_planes(plan, planes, first_word, buffers.shifted)};
+// Clears the hopeless starts among `candidates`; the planes are there as seen from each.
+void judge(const Automaton& automaton, std::uint64_t* candidates) {
+  const FilterPlan& plan = automaton.plan;
+  const FilterBuffers& buffers = automaton.buffers;
   Lanes wanted;
   __builtin_memcpy(&wanted, candidates, sizeof wanted);
 
@@ -219,6 +255,36 @@ void keep_survivors(const FilterPlan& plan, const BitPlanes::Words& planes,
   }
   survivors &= wanted;
   __builtin_memcpy(candidates, &survivors, sizeof survivors);
+}
+
+// Shows the automaton the planes as `see` shows each of them, and lets it judge.
+template <class See>
+void look_and_judge(const FilterPlan& plan, const BitPlanes::Words& planes, bool special,
+                    const FilterBuffers& buffers, std::uint64_t* candidates, See see) {
+  see(planes.low, buffers.shifted);
+  see(planes.high, buffers.shifted + 1);
+  if (special) see(planes.special, buffers.shifted + 2);
+  judge({plan, buffers, special}, candidates);
+}
+
+}  // namespace
+
+void judge_block(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first_word,
+                 const FilterBuffers& buffers, std::uint64_t* candidates) {
+  const std::ptrdiff_t first = first_word * kBitsPerWord;
+  look_and_judge(plan, planes, has_special(plan, planes, first, first + kFilterStarts - 1), buffers,
+                 candidates, [&](const std::uint64_t* plane, Lanes* shifted) {
+                   shift_plane(plan, plane, first_word, shifted);
+                 });
+}
+
+void judge_starts(const FilterPlan& plan, const BitPlanes::Words& planes,
+                  const std::ptrdiff_t* starts, const FilterBuffers& buffers,
+                  std::uint64_t* candidates) {
+  look_and_judge(plan, planes, has_special(plan, planes, starts[0], starts[kFilterStarts - 1]),
+                 buffers, candidates, [&](const std::uint64_t* plane, Lanes* shifted) {
+                   gather_plane(plan, plane, starts, shifted);
+                 });
 }
 
 }  // namespace vorlan::VORLAN_FILTER_LEVEL

@@ -13,14 +13,14 @@
 // diagonal d matched at most j - ceil((e + d) / 2), and each edit cost at least the smaller
 // penalty.
 //
-// A start survives if a path is still alive behind the horizon, or if the bounds reached forward
+// A start survives if a path is still alive where the look ends, or if the bounds reached forward
 // and backward together come up to the least score that is accepted. All others are hopeless:
 //   - every path of the extension is a path of the automaton: it makes an edit only if the score
 //     stays above the floor, which is never below the bound's floor; a limited score reduction only
 //     raises the threshold; the look-ahead only chooses among these moves;
 //   - an N that is bridged counts as a match, which adds to the bound but never to the score;
 //   - outside the sequence nothing matches;
-//   - the backward extension starts with what the forward one gained. A start that gains kMaxGain
+//   - the backward extension starts with what the forward one gained. A start that gains `max_gain`
 //     forward survives at once; so less than that is what the backward floor has to allow for.
 // A rejected candidate leaves no trace, so it does not matter that it was never extended.
 //
@@ -41,15 +41,12 @@ namespace vorlan {
 
 /// Words of one block: 512 start positions.
 inline constexpr std::size_t kFilterWords = 8;
+inline constexpr int kFilterStarts = kFilterWords * BitPlanes::kBitsPerWord;
 
 /// One bit for each start position of a block.
 using Lanes __attribute__((vector_size(kFilterWords * sizeof(std::uint64_t)))) = std::uint64_t;
 
-/// A start that gains this much forward survives without looking backward. Rare in background
-/// (4^-8), and small enough to keep the floor of the backward automaton tight.
-inline constexpr int kMaxGain = 8;
-
-/// What the filter of one unit length needs to know.
+/// What one look at the starts of one unit length needs to know.
 struct FilterPlan {
   int unit_length;
   int floor;        ///< An edit is tried only if the score stays above it.
@@ -57,8 +54,9 @@ struct FilterPlan {
   int min_score;    ///< At least 1.
   int horizon;      ///< Residues that are looked at in each direction, at most.
   int first_check;  ///< After this many residues it begins to look how many starts are left.
+  int few;          ///< So few that are left are not followed any further.
   int patience;     ///< Looks without a loss of starts before it gives up on the rest.
-  int max_gain;     ///< Forward gains are told apart up to here: min(min_score, kMaxGain).
+  int max_gain;     ///< Forward gains are told apart up to here: at most min_score.
   int max_edits;    ///< No path makes more edits within the horizon.
   bool bridges_N;   ///< N is passed over, rather than an ordinary residue that matches nothing.
 };
@@ -67,31 +65,50 @@ struct FilterPlan {
 /// neighbours that are always empty.
 constexpr int filter_row_size(const FilterPlan& plan) { return 2 * plan.max_edits + 5; }
 
+/// Offsets from a start that a look at it reads, rounded up to whole words.
+constexpr int filter_offsets(const FilterPlan& plan) {
+  constexpr int kWord = static_cast<int>(BitPlanes::kBitsPerWord);
+  return (plan.unit_length + 2 * plan.horizon + kWord - 1) / kWord * kWord;
+}
+
 /// Memory of a kernel.
 struct FilterBuffers {
-  Lanes* shifted;     ///< Three planes for each offset from -horizon to unit_length + horizon - 1.
-  Lanes* cells;       ///< max_edits + 1 rows.
-  Lanes* matches;     ///< One row.
-  Lanes* mismatches;  ///< Two rows.
+  Lanes* shifted;         ///< Three planes for each of the offsets from -horizon on.
+  Lanes* cells;           ///< max_edits + 1 rows.
+  Lanes* mismatches;      ///< One row.
+  Lanes* leaving;         ///< Three rows, of which the first stays empty.
   Lanes* forward_gains;   ///< Starts that gain at least i, for i up to max_gain.
   Lanes* backward_gains;  ///< For i up to min_score or horizon.
 };
 
 /// Clears the hopeless starts among `candidates`, kFilterWords words from `first_word` of the
 /// planes.
-using FilterKernel = void(const FilterPlan& plan, const BitPlanes::Words& planes,
-                          std::ptrdiff_t first_word, const FilterBuffers& buffers,
-                          std::uint64_t* candidates);
+using JudgeBlock = void(const FilterPlan& plan, const BitPlanes::Words& planes,
+                        std::ptrdiff_t first_word, const FilterBuffers& buffers,
+                        std::uint64_t* candidates);
 
-/// The same kernel, compiled for several instruction sets.
+/// The same for kFilterStarts starts that lie anywhere, in order: bit i of `candidates` belongs to
+/// starts[i].
+using JudgeStarts = void(const FilterPlan& plan, const BitPlanes::Words& planes,
+                         const std::ptrdiff_t* starts, const FilterBuffers& buffers,
+                         std::uint64_t* candidates);
+
+/// The same two functions, compiled for several instruction sets.
+struct FilterKernel {
+  JudgeBlock* judge_block;
+  JudgeStarts* judge_starts;
+};
 namespace portable {
-FilterKernel keep_survivors;
-}
+JudgeBlock judge_block;
+JudgeStarts judge_starts;
+}  // namespace portable
 namespace avx2 {
-FilterKernel keep_survivors;
-}
+JudgeBlock judge_block;
+JudgeStarts judge_starts;
+}  // namespace avx2
 namespace avx512 {
-FilterKernel keep_survivors;
-}
+JudgeBlock judge_block;
+JudgeStarts judge_starts;
+}  // namespace avx512
 
 }  // namespace vorlan

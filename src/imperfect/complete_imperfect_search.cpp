@@ -18,6 +18,9 @@
 // Marks last from unit length 2 to the longest: a repeat of AC closes its span for ACAC. Only the
 // pass for unit length 1 is forgotten: runs of one base must not hide longer units.
 
+#include <algorithm>
+#include <deque>
+
 #include "config/settings.h"
 #include "imperfect/candidate_filter.h"
 #include "imperfect/extension.h"
@@ -90,6 +93,66 @@ class CandidateTrial {
   SpareSat spare_;
 };
 
+/// Blocks of starts in a row, of which the first one has been judged. The filter looks at the
+/// starts of several blocks together.
+class StartQueue {
+ public:
+  StartQueue(const char* seq_begin, std::ptrdiff_t end_of_starts, unsigned unit_length,
+             const BitPlanes& planes, CandidateFilter& filter)
+      : seq_begin_(seq_begin),
+        end_of_starts_(end_of_starts),
+        unit_length_(unit_length),
+        planes_(planes),
+        filter_(filter) {}
+
+  /// The next block, ready to be collected; null when there is none.
+  StartBlock* next(MarkPainter& painter, const CAnchorSeq& anchors) {
+    if (!blocks_.empty()) blocks_.pop_front();
+    while (!is_first_judged()) {
+      if (next_ < end_of_starts_ && blocks_.size() < kMostBlocks) {
+        add_block(painter, anchors);
+        if (filter_.doubts() < kFilterStarts) continue;
+      } else if (blocks_.empty()) {
+        return nullptr;
+      }
+      for (const std::ptrdiff_t start : filter_.look_closely()) block_of(start).keep(start);
+    }
+    return &blocks_.front();
+  }
+
+ private:
+  /// A block waits until there are enough starts in doubt for a close look, but not longer.
+  static constexpr std::size_t kMostBlocks = 32;
+
+  bool is_first_judged() const {
+    return !blocks_.empty() &&
+           (filter_.doubts() == 0 ? blocks_.size() == kMostBlocks || next_ >= end_of_starts_
+                                  : filter_.first_doubt() >= blocks_.front().end());
+  }
+
+  StartBlock& block_of(std::ptrdiff_t start) {
+    return blocks_[static_cast<std::size_t>((start - blocks_.front().begin()) /
+                                            StartBlock::kStarts)];
+  }
+
+  void add_block(MarkPainter& painter, const CAnchorSeq& anchors) {
+    // The last start of the block looks at the mark behind its unit.
+    painter.paint_until(seq_begin_ + std::min(next_ + StartBlock::kStarts, end_of_starts_) +
+                        unit_length_);
+    StartBlock& block = blocks_.emplace_back(next_, end_of_starts_, unit_length_, anchors, planes_);
+    if (block.has_survivors()) filter_.glance(block.first_word(), block.survivors());
+    next_ = block.end();
+  }
+
+  const char* seq_begin_;
+  std::ptrdiff_t end_of_starts_;
+  unsigned unit_length_;
+  const BitPlanes& planes_;
+  CandidateFilter& filter_;
+  std::ptrdiff_t next_ = 0;
+  std::deque<StartBlock> blocks_;
+};
+
 }  // namespace
 
 void CSearchController::complete_imperfect_search(std::FILE*) {
@@ -114,20 +177,18 @@ void CSearchController::one_unit_len_complete_imperfect_search(
                        anchors);
   CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
+  StartQueue queue(seq_begin(), scan.starts(), unit_len, planes, filter);
   ScanProgress progress{unit_len};
-  for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
-    const std::ptrdiff_t end = std::min(begin + StartBlock::kStarts, scan.starts());
-    report_progress(progress, end);
-    // The last start of the block looks at the mark behind its unit.
-    trial.painter().paint_until(seq_begin() + end + unit_len);
-    StartBlock block(begin, scan.starts(), unit_len, anchors, planes, filter);
-    for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
+  while (StartBlock* block = queue.next(trial.painter(), anchors)) {
+    report_progress(progress, block->end());
+    block->collect(block->begin(), anchors);
+    for (std::ptrdiff_t offset = block->take(); offset >= 0; offset = block->take()) {
       const char* start = seq_begin() + offset;
       if (!scan.is_unit(start)) continue;
       if (Csat* sat = trial.accept(start); sat != nullptr) {
         results.push_back(sat);
         // It has changed the marks ahead.
-        block.collect_again(offset + 1, anchors);
+        block->collect(offset + 1, anchors);
       }
     }
   }

@@ -107,7 +107,9 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
   ScanProgress progress{unit_length};
   std::ptrdiff_t next_start = 0;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
-    StartBlock block(begin, scan.starts(), unit_length, mask, planes, filter);
+    StartBlock block(begin, scan.starts(), unit_length, mask, planes);
+    if (block.has_survivors()) filter.keep_survivors(block.first_word(), block.survivors());
+    block.collect(begin, mask);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
       report_progress(progress, offset + 1, next_start);
       const char* start = seq_begin() + offset;
@@ -120,7 +122,7 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
         next_start = sat.pos_right - seq_begin();
       } else if (is_shown(sat)) {
         mask.close(sat);
-        block.collect_again(offset + 1, mask);
+        block.collect(offset + 1, mask);
       }
     }
     report_progress(progress, block.end(), next_start);

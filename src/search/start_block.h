@@ -17,34 +17,45 @@ namespace vorlan {
 /// The start positions of one block that are worth an extension, as bits: those that the marks
 /// allow and that survive a filter. Reading and judging 512 starts at once is what makes scans
 /// fast.
+///
+/// Use: construct, let a filter judge `survivors`, then collect and take.
 class StartBlock {
  public:
   static constexpr std::size_t kWords = 8;
   static constexpr std::ptrdiff_t kStarts = kWords * BitPlanes::kBitsPerWord;
 
-  /// A block of the scan for one unit length, which has starts from 0 up to `end_of_starts`.
-  /// Collects the starts that `anchors` and `filter` leave; `filter` has a member
-  /// keep_survivors(first word, words) that clears the bits of starts that cannot lead to a repeat.
+  /// A block of the scan for one unit length, which has starts from 0 up to `end_of_starts`; the
+  /// filter will judge those that `anchors` allow now.
   /// Requires that `begin` is a multiple of kStarts and below `end_of_starts`.
-  template <typename Filter>
   StartBlock(std::ptrdiff_t begin, std::ptrdiff_t end_of_starts, std::size_t unit_length,
-             const CAnchorSeq& anchors, const BitPlanes& planes, Filter& filter)
+             const CAnchorSeq& anchors, const BitPlanes& planes)
       : begin_(begin),
         end_(std::min(begin + kStarts, end_of_starts)),
         unit_length_(unit_length),
         special_(planes.words().special + first_word()) {
-    collect(begin, anchors);
-    judged_ = words_;
-    if (std::any_of(words_.begin(), words_.end(), [](std::uint64_t word) { return word != 0; })) {
-      filter.keep_survivors(first_word(), words_.data());
-    }
-    survivors_ = words_;
+    judged_ = survivors_ = allowed_from(begin, anchors);
   }
 
-  /// Collects the starts from `first` on again, after the marks have changed. Starts that were
-  /// closed before have not been judged by the filter: they stay.
-  void collect_again(std::ptrdiff_t first, const CAnchorSeq& anchors) {
-    collect(first, anchors);
+  /// Where the filter clears the starts that cannot lead to a repeat: kWords words from
+  /// `first_word` on.
+  std::uint64_t* survivors() { return survivors_.data(); }
+  std::ptrdiff_t first_word() const { return begin_ / BitPlanes::kBitsPerWord; }
+  bool has_survivors() const {
+    return std::any_of(survivors_.begin(), survivors_.end(),
+                       [](std::uint64_t word) { return word != 0; });
+  }
+
+  /// Adds a start to the survivors.
+  void keep(std::ptrdiff_t start) {
+    const std::ptrdiff_t offset = start - begin_;
+    survivors_[static_cast<std::size_t>(offset / BitPlanes::kBitsPerWord)] |=
+        std::uint64_t{1} << offset % BitPlanes::kBitsPerWord;
+  }
+
+  /// Collects the starts from `first` on that `anchors` allow now and that the filter left. Starts
+  /// that were closed when the filter judged have not been judged: they stay.
+  void collect(std::ptrdiff_t first, const CAnchorSeq& anchors) {
+    words_ = allowed_from(first, anchors);
     for (std::size_t i = 0; i < kWords; ++i) words_[i] &= survivors_[i] | ~judged_[i];
   }
 
@@ -71,16 +82,16 @@ class StartBlock {
 
   using Words = std::array<std::uint64_t, kWords>;
 
-  std::ptrdiff_t first_word() const { return begin_ / BitPlanes::kBitsPerWord; }
-
-  void collect(std::ptrdiff_t first, const CAnchorSeq& anchors) {
+  Words allowed_from(std::ptrdiff_t first, const CAnchorSeq& anchors) const {
+    Words words{};
     for (std::size_t i = 0; i < kWords; ++i) {
       const std::ptrdiff_t word = first_word() + static_cast<std::ptrdiff_t>(i);
       const std::ptrdiff_t begin = word * BitPlanes::kBitsPerWord;
-      words_[i] = begin >= end_ ? 0
-                                : anchors.may_anchor(word, unit_length_) & ~special_[i] &
-                                      at_or_above(first - begin) & ~at_or_above(end_ - begin);
+      if (begin >= end_) break;
+      words[i] = anchors.may_anchor(word, unit_length_) & ~special_[i] &
+                 at_or_above(first - begin) & ~at_or_above(end_ - begin);
     }
+    return words;
   }
 
   std::ptrdiff_t begin_;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 namespace vorlan {
 
@@ -16,7 +17,7 @@ class UnitScan {
       : seq_begin_(seq_begin),
         seq_end_(seq_end),
         unit_length_(unit_length),
-        next_N_(std::find(seq_begin, seq_end, 'N')) {}
+        next_N_(next_N(seq_begin)) {}
 
   /// Number of starts: a unit is followed by at least one base, so a stretch that ends at the last
   /// base of the sequence is never tried.
@@ -28,12 +29,17 @@ class UnitScan {
   /// Whether the stretch at `start` holds no N and is not one base repeated: such repeats belong to
   /// unit length 1. Requires that no start to the right was asked before.
   bool is_unit(const char* start) {
-    if (next_N_ < start) next_N_ = std::find(start, seq_end_, 'N');
+    if (next_N_ < start) next_N_ = next_N(start);
     return static_cast<std::size_t>(next_N_ - start) >= unit_length_ &&
            (unit_length_ == 1 || !is_homopolymer(start));
   }
 
  private:
+  const char* next_N(const char* from) const {
+    const void* found = std::memchr(from, 'N', static_cast<std::size_t>(seq_end_ - from));
+    return found == nullptr ? seq_end_ : static_cast<const char*>(found);
+  }
+
   bool is_homopolymer(const char* start) const {
     return std::all_of(start + 1, start + unit_length_, [=](char base) { return base == *start; });
   }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -61,13 +62,26 @@ class FilteredSequence {
 
   const std::vector<int>& scores() const { return scores_; }
 
-  StartBits survivors_of(const StartBits& starts, int min_score, FilterKernel* kernel) const {
+  StartBits survivors_of(StartBits starts, int min_score, const FilterKernel& kernel) const {
     CandidateFilter filter(planes_, unit_length_, min_score, kernel);
-    return survivors(filter, starts);
+    std::vector<std::ptrdiff_t> survivors;
+    const auto look_closely = [&] {
+      const std::span<const std::ptrdiff_t> kept = filter.look_closely();
+      survivors.insert(survivors.end(), kept.begin(), kept.end());
+    };
+    for (std::size_t word = 0; word < starts.size(); word += kFilterWords) {
+      filter.glance(static_cast<std::ptrdiff_t>(word), starts.data() + word);
+      while (filter.doubts() >= kFilterStarts) look_closely();
+    }
+    while (filter.doubts() > 0) look_closely();
+    EXPECT_TRUE(std::is_sorted(survivors.begin(), survivors.end()));
+    for (const std::ptrdiff_t start : survivors) add_start(starts, static_cast<std::size_t>(start));
+    return starts;
   }
 
   /// Among `starts`, all that reach `min_score` must be left, and no others come in.
-  void expect_accepted_survive(const StartBits& starts, int min_score, FilterKernel* kernel) const {
+  void expect_accepted_survive(const StartBits& starts, int min_score,
+                               const FilterKernel& kernel) const {
     const StartBits left = survivors_of(starts, min_score, kernel);
     for (std::size_t word = 0; word < left.size(); ++word) {
       ASSERT_EQ(left[word] & ~starts[word], 0U) << description(min_score);
@@ -80,19 +94,19 @@ class FilteredSequence {
     }
   }
 
-  void expect_accepted_survive(int min_score, FilterKernel* kernel) const {
+  void expect_accepted_survive(int min_score, const FilterKernel& kernel) const {
     expect_accepted_survive(all_, min_score, kernel);
   }
 
   void expect_all_kernels_agree(int min_score) const {
-    const std::vector<FilterKernel*> kernels = runnable_filter_kernels();
+    const std::vector<FilterKernel> kernels = runnable_filter_kernels();
     const StartBits left = survivors_of(all_, min_score, kernels.front());
-    for (FilterKernel* kernel : kernels) {
+    for (const FilterKernel& kernel : kernels) {
       ASSERT_EQ(survivors_of(all_, min_score, kernel), left) << description(min_score);
     }
   }
 
-  std::size_t count_survivors(int min_score, FilterKernel* kernel) const {
+  std::size_t count_survivors(int min_score, const FilterKernel& kernel) const {
     return count_starts(survivors_of(all_, min_score, kernel));
   }
 
@@ -113,7 +127,7 @@ class FilteredSequence {
 
 class CandidateFilterTest : public FreshSettings {
  protected:
-  const std::vector<FilterKernel*> kernels_ = runnable_filter_kernels();
+  const std::vector<FilterKernel> kernels_ = runnable_filter_kernels();
 };
 
 std::string random_sequence(Random& random) {
@@ -175,7 +189,7 @@ TEST_F(CandidateFilterTest, KeepsEveryStartThatTheSlowTwinAccepts) {
     const int just_reached = random_reached_score(random, sequence.scores());
     for (const int min_score : {random.between(1, 40), just_reached}) {
       ASSERT_NO_FATAL_FAILURE(sequence.expect_all_kernels_agree(min_score));
-      for (FilterKernel* kernel : kernels_) {
+      for (const FilterKernel& kernel : kernels_) {
         ASSERT_NO_FATAL_FAILURE(sequence.expect_accepted_survive(min_score, kernel));
         ASSERT_NO_FATAL_FAILURE(sequence.expect_accepted_survive(some, min_score, kernel));
       }
@@ -269,7 +283,7 @@ TEST_F(CandidateFilterTest, RejectsNearlyAllOfTheBackground) {
   for (unsigned unit_length = 2; unit_length <= 10; ++unit_length) {
     const FilteredSequence sequence(residues, settings, unit_length);
     const int min_score = reference::user_thresholds(settings, unit_length).score;
-    for (FilterKernel* kernel : kernels_) {
+    for (const FilterKernel& kernel : kernels_) {
       EXPECT_LT(sequence.count_survivors(min_score, kernel), kLength * 3 / 100)
           << "unit length " << unit_length;
     }
@@ -282,7 +296,7 @@ TEST_F(CandidateFilterTest, RejectsNothingWhenEveryScoreIsEnough) {
   const Settings settings;
   const FilteredSequence sequence(residues, settings, 3);
   for (const int min_score : {0, -1, std::numeric_limits<int>::min()}) {
-    for (FilterKernel* kernel : kernels_) {
+    for (const FilterKernel& kernel : kernels_) {
       EXPECT_EQ(sequence.count_survivors(min_score, kernel), residues.size() - 3) << min_score;
     }
   }
