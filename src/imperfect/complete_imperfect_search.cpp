@@ -34,9 +34,6 @@
 namespace vorlan {
 namespace {
 
-/// Alignments with more edits than this, in stored ways, do not note them: most are removed again.
-constexpr std::uint32_t kMostNotedEdits = 64;
-
 /// Tries the candidates of one unit length, from left to right, and keeps the marks.
 class CandidateTrial {
  public:
@@ -57,22 +54,11 @@ class CandidateTrial {
   Csat* accept(const char* start) {
     forget_ways_if_many();
     Csat& sat = spare_.candidate(start, start + unit_length_);
-    std::vector<PathSegment> forward;
-    std::vector<PathSegment> backward;
-    extend<Forward>(sat, seq_end_, context_, forward);
-    extend<Backward>(sat, context_.seq_begin, context_, backward);
-    sat.trim_Ns();
-    if (!sat.reaches(min_score_, min_length_)) return nullptr;
-    const std::uint32_t edits = sat.mismatches + sat.insertions + sat.deletions;
-    if (edits <= kMostNotedEdits) {
-      append_events<Forward>(forward, paths_, sat);
-      append_events<Backward>(backward, paths_, sat);
-      forward.clear();
-      backward.clear();
+    PassedOver passed_over;
+    if (!extend_and_judge(sat, seq_end_, context_, min_score_, min_length_, passed_over)) {
+      return nullptr;
     }
-    sat.events_pending = !forward.empty() || !backward.empty();
-    sat.sort_missense();
-    painter_.accept({&sat, std::move(forward), std::move(backward)}, start);
+    painter_.accept({&sat, std::move(passed_over)}, start);
     return spare_.release();
   }
 

@@ -30,6 +30,9 @@ namespace {
 constexpr int kFewEdits = 3;
 constexpr int kShallowLevel = 7;
 
+/// Alignments with more edits than this, in stored ways, do not note them.
+constexpr std::uint32_t kMostNotedEdits = 64;
+
 MergedLookAheadMemory<Forward>& memory_of(Forward, ExtensionContext& context) {
   return context.forward_memory;
 }
@@ -312,6 +315,24 @@ void extend(Csat& sat, const char* stop, ExtensionContext& context,
 template void extend<Forward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
 template void extend<Backward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
 
+bool extend_and_judge(Csat& sat, const char* seq_end, ExtensionContext& context, int min_score,
+                      int min_length, PassedOver& passed_over) {
+  extend<Forward>(sat, seq_end, context, passed_over.forward);
+  extend<Backward>(sat, context.seq_begin, context, passed_over.backward);
+  sat.trim_Ns();
+  if (!sat.reaches(min_score, min_length)) return false;
+  if (sat.mismatches + sat.insertions + sat.deletions <= kMostNotedEdits) {
+    if (!passed_over.forward.empty())
+      append_events<Forward>(passed_over.forward, *context.paths, sat);
+    if (!passed_over.backward.empty())
+      append_events<Backward>(passed_over.backward, *context.paths, sat);
+    passed_over = {};
+  }
+  sat.events_pending = !passed_over.forward.empty() || !passed_over.backward.empty();
+  sat.sort_missense();
+  return true;
+}
+
 /// What extensions outside the complete search share: seeds of one sequence, and repeats whose
 /// events are restored.
 struct CSearchController::Extender {
@@ -323,10 +344,14 @@ struct CSearchController::Extender {
     if (UnitPaths::can_share(context.settings)) context.paths = &paths;
   }
 
+  void forget_ways_if_many() {
+    if (paths.stored_nodes() > UnitPaths::kMostNodes) paths.forget();
+  }
+
   /// Extends with all events.
   template <class Direction>
   void extend_with_events(Csat& sat, const char* stop) {
-    if (paths.stored_nodes() > UnitPaths::kMostNodes) paths.forget();
+    forget_ways_if_many();
     std::vector<PathSegment> segments;
     extend<Direction>(sat, stop, context, segments);
     append_events<Direction>(segments, paths, sat);
@@ -365,8 +390,18 @@ void CSearchController::extend_imperfect_backward(Csat& sat, const char* stop) {
   extender().extend_with_events<Backward>(sat, stop);
 }
 
+bool CSearchController::accept_extended(Csat& seed) {
+  Extender& shared = extender();
+  shared.forget_ways_if_many();
+  const unsigned unit_length = seed.unit_length();
+  PassedOver passed_over;
+  return extend_and_judge(seed, seq_end(), shared.context, (*minScores_user)[unit_length],
+                          (*minLengths_user)[unit_length], passed_over);
+}
+
 void CSearchController::restore_events(Csat& sat) {
   sat.init(sat.unit_begin, sat.unit_end);
+  if (extends_perfect_repeats_) extend_perfectly(sat);
   extend_imperfect_forward(sat, seq_end());
   extend_imperfect_backward(sat, seq_begin());
   sat.trim_Ns();

@@ -32,6 +32,12 @@ template <class Direction>
 void extend(Csat& sat, const char* stop, ExtensionContext& context,
             std::vector<PathSegment>& segments);
 
+/// Extends `sat` in both directions and trims it. Returns whether it reaches the thresholds; only
+/// then its events are sorted, and complete unless there are many: most alignments with many are
+/// removed again, so those keep in `passed_over` what `events_pending` says is missing.
+bool extend_and_judge(Csat& sat, const char* seq_end, ExtensionContext& context, int min_score,
+                      int min_length, PassedOver& passed_over);
+
 /// The event of a move from `place`. A deletion is recorded at the residue to the right of the gap,
 /// whichever way the extension goes.
 template <class Direction>

@@ -101,8 +101,10 @@ void MarkPainter::paint_stretch(const AcceptedRepeat& repeat, const char* begin,
   for (const Missense& event : repeat.sat->missense) {
     if (event.first >= begin && event.first < end) anchors_.open(event.first);
   }
-  for (const PathSegment& segment : repeat.forward) open_edits<Forward>(segment, begin, end);
-  for (const PathSegment& segment : repeat.backward) open_edits<Backward>(segment, begin, end);
+  for (const PathSegment& segment : repeat.passed_over.forward)
+    open_edits<Forward>(segment, begin, end);
+  for (const PathSegment& segment : repeat.passed_over.backward)
+    open_edits<Backward>(segment, begin, end);
 }
 
 template <class Direction>

@@ -16,8 +16,7 @@ namespace vorlan {
 /// stored ways instead of in its events.
 struct AcceptedRepeat {
   const Csat* sat;
-  std::vector<PathSegment> forward;
-  std::vector<PathSegment> backward;
+  PassedOver passed_over;
 };
 
 /// Keeps the marks of the sequence as accepted repeats require it: each closes its span and opens

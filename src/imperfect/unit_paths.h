@@ -18,6 +18,12 @@ struct PathSegment {
   NodeId to;
 };
 
+/// What an extension of a repeat in both directions passed over.
+struct PassedOver {
+  std::vector<PathSegment> forward;
+  std::vector<PathSegment> backward;
+};
+
 /// What the extensions in one sequence have found out. Unit lengths share it: ACAC reads like AC.
 class UnitPaths {
  public:

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <list>
 #include <memory>
 #include <optional>
@@ -87,8 +88,16 @@ class CSearchController {
   /// The longest unit that has candidates: it is shorter than the sequence.
   unsigned longest_unit() const;
 
-  void exact_search_for_unit_length(unsigned unit_length, const BitPlanes& planes,
-                                    CAnchorSeq& mask);
+  /// Is given each perfect repeat that reaches the active thresholds, which it may change, and may
+  /// release from the spare that holds it.
+  using TakeRepeat = std::function<void(SpareSat& spare, Csat& sat)>;
+
+  /// Finds the perfect repeats of every unit length in range: shorter units first, then from left
+  /// to right.
+  void find_perfect_repeats(const TakeRepeat& take);
+  void find_perfect_repeats(unsigned unit_length, const BitPlanes& planes, CAnchorSeq& mask,
+                            const TakeRepeat& take);
+  void extend_perfectly(Csat& sat) const;
   bool is_shown(const Csat& sat) const;
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
@@ -115,8 +124,10 @@ class CSearchController {
     void operator()(Extender* extender) const;
   };
   Extender& extender();
+  bool accept_extended(Csat& seed);
 
   SearchConsole console_;
+  bool extends_perfect_repeats_ = false;                 ///< Rather than bare units.
   std::unique_ptr<Extender, ExtenderDeleter> extender_;  ///< Made when it is first needed.
 };
 

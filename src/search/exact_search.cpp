@@ -94,10 +94,14 @@ class PerfectExtension {
 
 }  // namespace
 
+void CSearchController::extend_perfectly(Csat& sat) const {
+  PerfectExtension(seq_begin(), seq_end()).extend(sat);
+}
+
 // The scan of unit length 1 goes on behind each repeat it finds, and leaves no marks. Longer units
 // are kept out of repeats by the marks alone.
-void CSearchController::exact_search_for_unit_length(unsigned unit_length, const BitPlanes& planes,
-                                                     CAnchorSeq& mask) {
+void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlanes& planes,
+                                             CAnchorSeq& mask, const TakeRepeat& take) {
   const PerfectExtension extension(seq_begin(), seq_end());
   const int min_score = (*minScores)[unit_length];
   const int min_length = (*minLengths)[unit_length];
@@ -117,13 +121,13 @@ void CSearchController::exact_search_for_unit_length(unsigned unit_length, const
       Csat& sat = spare.candidate(start, start + unit_length);
       extension.extend(sat);
       if (!sat.reaches(min_score, min_length)) continue;
-      exact_sats.push_back(spare.release());
       if (unit_length == 1) {
         next_start = sat.pos_right - seq_begin();
       } else if (is_shown(sat)) {
         mask.close(sat);
         block.collect(offset + 1, mask);
       }
+      take(spare, sat);
     }
     report_progress(progress, block.end(), next_start);
   }
@@ -138,13 +142,18 @@ bool CSearchController::is_shown(const Csat& sat) const {
   return global_min_perfection <= perfection && perfection <= global_max_perfection;
 }
 
-void CSearchController::exact_search_2() {
+void CSearchController::find_perfect_repeats(const TakeRepeat& take) {
   CAnchorSeq mask(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), ExactFilter::margin(longest_unit()));
   for (unsigned unit_length = global_min_unit_length; unit_length <= longest_unit();
        ++unit_length) {
-    exact_search_for_unit_length(unit_length, planes, mask);
+    find_perfect_repeats(unit_length, planes, mask, take);
   }
+}
+
+void CSearchController::exact_search_2() {
+  find_perfect_repeats(
+      [this](SpareSat& spare, const Csat&) { exact_sats.push_back(spare.release()); });
   exact_sats.sort(lessThan_sat);
 }
 

@@ -1,34 +1,61 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
+// Extend-exact mode: perfect seeds are found and each is extended over edits.
+//
+// The seeds of a sequence would need more memory than all else, a seed in every dozen residues of
+// background, and nearly none is accepted. So each is extended when it is found. The order of the
+// results must not show that: on equal spans they come in the order of their sorted seeds.
+//
+// Example, unit length 2: in ACACACTCACACAC the seeds ACACAC and CACACAC are extended to the same
+// repeat, with a mismatch at T. It is recorded twice, and overlap removal keeps the first.
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+#include <vector>
+
 #include "search/csearchcontroller.h"
 
 namespace vorlan {
+namespace {
+
+/// A result and the span of the seed that it was extended from.
+struct ExtendedSeed {
+  std::list<Csat*>::iterator result;
+  const char* seed_left;
+  const char* seed_right;
+
+  auto order() const {
+    return std::tuple((*result)->pos_left, (*result)->pos_right, seed_left, seed_right);
+  }
+};
+
+}  // namespace
 
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
+  extends_perfect_repeats_ = true;
   console_.announce("  Searching for exact repeats.\n");
+  std::vector<ExtendedSeed> extended;
   minScores = &*minScores_intern;
   minLengths = &*minLengths_intern;
-  exact_search_2();
+  find_perfect_repeats([&](SpareSat& spare, Csat& sat) {
+    const char* const seed_left = sat.pos_left;
+    const char* const seed_right = sat.pos_right;
+    if (!accept_extended(sat)) return;
+    imperfect_sats.push_back(spare.release());
+    extended.push_back({std::prev(imperfect_sats.end()), seed_left, seed_right});
+  });
   minScores = &*minScores_user;
   minLengths = &*minLengths_user;
 
   console_.announce("  Extend exact to imperfect repeats.\n");
-  while (!exact_sats.empty()) {
-    const auto seed = exact_sats.begin();
-    Csat& sat = **seed;
-    extend_imperfect_forward(sat, seq_end());
-    extend_imperfect_backward(sat, seq_begin());
-    sat.trim_Ns();
-    const unsigned unit_length = sat.unit_length();
-    if (sat.reaches((*minScores)[unit_length], (*minLengths)[unit_length])) {
-      sat.sort_missense();
-      imperfect_sats.splice(imperfect_sats.end(), exact_sats, seed);
-    } else {
-      exact_sats.recycle(seed);
-    }
+  std::stable_sort(
+      extended.begin(), extended.end(),
+      [](const ExtendedSeed& a, const ExtendedSeed& b) { return a.order() < b.order(); });
+  for (const ExtendedSeed& seed : extended) {
+    imperfect_sats.splice(imperfect_sats.end(), imperfect_sats, seed.result);
   }
-  imperfect_sats.sort(lessThan_sat);
 }
 
 }  // namespace vorlan

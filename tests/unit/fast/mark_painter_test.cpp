@@ -117,7 +117,7 @@ TEST(MarkPainter, PaintsWholeRepeatsAsIfEachWerePaintedAtOnce) {
       for (std::ptrdiff_t start = 0; start < length; start += random.between(1, 12)) {
         if (start >= painted.painted_until()) painted.paint_until(start + random.between(1, 150));
         make_random_repeat(random, dna, start, sats.emplace_back());
-        painted.accept({&sats.back(), {}, {}}, sats.back(), start);
+        painted.accept({&sats.back(), {}}, sats.back(), start);
         ASSERT_NO_FATAL_FAILURE(painted.expect_same_marks(start, painted.painted_until()));
       }
       painted.finish();
@@ -172,17 +172,17 @@ class ArrayScan {
   void accept(std::ptrdiff_t start, bool note_events) {
     Csat& sat = sats_.emplace_back();
     sat.init(dna_.at(start), dna_.at(start) + unit_length_);
-    AcceptedRepeat repeat{&sat, {}, {}};
-    extend<Forward>(sat, dna_.end(), context_, repeat.forward);
-    extend<Backward>(sat, dna_.at(0), context_, repeat.backward);
+    AcceptedRepeat repeat{&sat, {}};
+    extend<Forward>(sat, dna_.end(), context_, repeat.passed_over.forward);
+    extend<Backward>(sat, dna_.at(0), context_, repeat.passed_over.backward);
     sat.trim_Ns();
     if (note_events) {
-      append_events<Forward>(repeat.forward, paths_, sat);
-      append_events<Backward>(repeat.backward, paths_, sat);
-      repeat.forward.clear();
-      repeat.backward.clear();
+      append_events<Forward>(repeat.passed_over.forward, paths_, sat);
+      append_events<Backward>(repeat.passed_over.backward, paths_, sat);
+      repeat.passed_over.forward.clear();
+      repeat.passed_over.backward.clear();
     }
-    segments_ += repeat.forward.size() + repeat.backward.size();
+    segments_ += repeat.passed_over.forward.size() + repeat.passed_over.backward.size();
     Csat complete;
     copy_marks_of(
         extended_plainly(residues_, settings_, static_cast<std::size_t>(start), unit_length_), dna_,
