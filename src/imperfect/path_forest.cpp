@@ -62,9 +62,7 @@ void PathForest::append(Stretch& stretch, const Stretch& more) const {
   stretch.end = more.end;
   if (more.lowest == kNoNode) return;
   stretch.highest_to_go = std::max(stretch.highest_to_go, more.highest_to_go);
-  const bool is_better = prefer_later_ ? more.lowest_to_go <= stretch.lowest_to_go
-                                       : more.lowest_to_go < stretch.lowest_to_go;
-  if (!is_better) return;
+  if (!is_better(-more.lowest_to_go, -stretch.lowest_to_go)) return;
   stretch.lowest_to_go = more.lowest_to_go;
   stretch.lowest = more.lowest;
 }
@@ -97,13 +95,50 @@ NodeId PathForest::add(std::uint32_t place, std::uint32_t phase, Move move, Node
 void PathForest::continue_root(NodeId root, Move move, NodeId continuation,
                                const PathTotals& gain) {
   nodes_[root].move = move;
-  continuations_.insert_or_assign(root, Continuation{continuation, gain});
+  const RootStretch one_root = stretch_to_next_root(continuation, gain);
+  Continuation to_add{continuation, gain, one_root, one_root, 1};
+  // As for nodes: two jumps of equal length in a row become one.
+  if (const Continuation* first = continuation_of(one_root.end)) {
+    const Continuation* second = continuation_of(first->jump.end);
+    if (second != nullptr && first->jumped_roots == second->jumped_roots) {
+      append(to_add.jump, first->jump);
+      append(to_add.jump, second->jump);
+      to_add.jumped_roots += 2 * first->jumped_roots;
+    }
+  }
+  continuations_.insert_or_assign(root, to_add);
+}
+
+PathForest::RootStretch PathForest::stretch_to_next_root(NodeId continuation,
+                                                         const PathTotals& gain) const {
+  const Link& link = links_[continuation];
+  Stretch stretch{continuation, link.to_go, link.to_go, continuation};
+  append(stretch, link.whole_way);
+  const PathTotals to_end = gain + to_root(continuation);
+  return {stretch.end, to_end, to_end.score - stretch.highest_to_go, stretch.lowest,
+          to_end - to_root(stretch.lowest)};
+}
+
+void PathForest::append(RootStretch& stretch, const RootStretch& more) const {
+  stretch.lowest_score = std::min(stretch.lowest_score, stretch.to_end.score + more.lowest_score);
+  const PathTotals to_best = stretch.to_end + more.to_best;
+  if (is_better(to_best.score, stretch.to_best.score)) {
+    stretch.best = more.best;
+    stretch.to_best = to_best;
+  }
+  stretch.end = more.end;
+  stretch.to_end = stretch.to_end + more.to_end;
+}
+
+const PathForest::Continuation* PathForest::continuation_of(NodeId root) const {
+  const auto found = continuations_.find(root);
+  return found == continuations_.end() ? nullptr : &found->second;
 }
 
 NodeId PathForest::after(NodeId id) const {
   if (links_[id].next != kNoNode) return links_[id].next;
-  const auto found = continuations_.find(id);
-  return found == continuations_.end() ? kNoNode : found->second.node;
+  const Continuation* continuation = continuation_of(id);
+  return continuation == nullptr ? kNoNode : continuation->node;
 }
 
 PathTotals PathForest::to_root(NodeId id) const {
@@ -116,13 +151,15 @@ PathEnd PathForest::follow(NodeId first, const PathTotals& totals, std::int64_t 
   PathEnd end{.node = first, .totals = totals};
   // What has been collected and what is still to come is the same all along a tree.
   PathTotals whole = totals + to_root(first);
-  PathTotals whole_at_best;
-  const auto consider = [&](NodeId id) {
-    const std::int64_t score = whole.score - links_[id].to_go;
-    if (prefer_later_ ? score < best_score : score <= best_score) return;
+  const auto is_best = [&](std::int64_t score) {
+    if (!is_better(score, best_score)) return false;
     best_score = score;
+    return true;
+  };
+  const auto consider = [&](NodeId id) {
+    if (!is_best(whole.score - links_[id].to_go)) return;
     end.best_node = id;
-    whole_at_best = whole;
+    end.best_totals = whole - to_root(id);
   };
   NodeId id = first;
   for (;;) {
@@ -139,17 +176,27 @@ PathEnd PathForest::follow(NodeId first, const PathTotals& totals, std::int64_t 
     if (link.next != kNoNode) {
       id = link.next;
     } else {
-      const auto continuation = continuations_.find(id);
-      if (continuation == continuations_.end()) break;
-      id = continuation->second.node;
-      whole = whole + continuation->second.gain + to_root(id);
+      const Continuation* continuation = continuation_of(id);
+      if (continuation == nullptr) break;
+      if (whole.score + continuation->to_next_root.lowest_score >= lowest_score) {
+        const bool jumps = whole.score + continuation->jump.lowest_score >= lowest_score;
+        const RootStretch& passed = jumps ? continuation->jump : continuation->to_next_root;
+        if (is_best(whole.score + passed.to_best.score)) {
+          end.best_node = passed.best;
+          end.best_totals = whole + passed.to_best;
+        }
+        id = passed.end;
+        whole = whole + passed.to_end;
+        continue;
+      }
+      id = continuation->node;
+      whole = whole + continuation->gain + to_root(id);
     }
     consider(id);
     if (whole.score - links_[id].to_go < lowest_score) break;
   }
   end.node = id;
   end.totals = whole - to_root(id);
-  if (end.best_node != kNoNode) end.best_totals = whole_at_best - to_root(end.best_node);
   return end;
 }
 

@@ -22,8 +22,12 @@
 // whose parent is the next decision point. A second extension, started behind the first A with unit
 // CA, arrives at T expecting A as well: the same node.
 //
-// Limits: a root that is passed later gets a continuation, which costs one step each time it is
-// passed. Memory: about 120 bytes a node; a forest that has grown too large is forgotten.
+// A root that is passed later gets a continuation into another tree. Roots with continuations form
+// a forest of their own, with jump pointers of the same kind.
+//
+// Limits: roots that get their continuations one after the other, each behind the end of the last
+// one, are passed one by one. Memory: about 120 bytes a node; a forest that has grown too large is
+// forgotten.
 
 #pragma once
 
@@ -166,15 +170,36 @@ class PathForest {
     std::uint32_t num_Ns = 0;
   };
 
+  /// What lies behind a root, up to and with the root at `end`. Totals and scores count from the
+  /// root where it begins.
+  struct RootStretch {
+    NodeId end;
+    PathTotals to_end;
+    std::int64_t lowest_score;
+    NodeId best;
+    PathTotals to_best;
+  };
+
   /// How a root goes on.
   struct Continuation {
     NodeId node;
     PathTotals gain;
+    RootStretch to_next_root;
+    RootStretch jump;
+    std::size_t jumped_roots;
   };
 
   NodeId append(const PathNode& node, const Link& link, const Counts& counts);
   PathTotals to_root(NodeId id) const;
   void append(Stretch& stretch, const Stretch& more) const;
+  RootStretch stretch_to_next_root(NodeId continuation, const PathTotals& gain) const;
+  void append(RootStretch& stretch, const RootStretch& more) const;
+  const Continuation* continuation_of(NodeId root) const;
+
+  /// Whether a score is better than one earlier on the same way.
+  bool is_better(std::int64_t score, std::int64_t earlier) const {
+    return prefer_later_ ? score >= earlier : score > earlier;
+  }
 
   bool prefer_later_;
   std::vector<Link> links_;
