@@ -48,6 +48,9 @@ constexpr int kFirstCheckOfGlance = 4;
 constexpr int kFewDoubts = kFilterStarts / 16;
 constexpr int kMaxGainOfGlance = 3;
 
+/// With fewer starts the doubts would not fill the lanes of one close look.
+constexpr std::ptrdiff_t kFewestStartsForGlances = 3 * kFilterStarts;
+
 /// Less starts of a short unit than this are extended sooner than looked at.
 constexpr std::size_t kFewestToLookAt = 8;
 
@@ -102,9 +105,10 @@ void CandidateFilter::FreeAligned::operator()(std::byte* memory) const {
 }
 
 CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
-                                 const FilterKernel& kernel)
+                                 std::ptrdiff_t starts, const FilterKernel& kernel)
     : planes_(planes.words()),
       can_judge_(unit_length <= kLongestFilteredUnit && min_score > 0),
+      glances_(starts >= kFewestStartsForGlances),
       kernel_(kernel) {
   if (!can_judge_) return;
   glance_ = plan_of_glance(static_cast<int>(unit_length), min_score);
@@ -134,6 +138,7 @@ void CandidateFilter::allocate() {
 
 void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   if (!can_judge_) return;
+  if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
   for (std::size_t i = 0; i < kFilterWords; ++i) {
     const std::ptrdiff_t begin =

@@ -24,12 +24,14 @@ const std::vector<FilterKernel>& runnable_filter_kernels();
 ///
 /// It looks twice. A glance over a few residues rejects some nine in ten starts, a block at a time.
 /// Those that are in doubt are collected over several blocks, so that they fill the lanes again,
-/// and then looked at closely.
+/// and then looked at closely. A sequence too short for that is looked at closely at once.
 class CandidateFilter {
  public:
   /// For units of `unit_length` bases that need `min_score`, with the penalties of the settings.
-  /// Requires that the planes have a margin of `margin(unit_length)` positions and outlive this.
+  /// `starts` is how many starts the sequence has, which matters only for speed. Requires that the
+  /// planes have a margin of `margin(unit_length)` positions and outlive this.
   CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
+                  std::ptrdiff_t starts,
                   const FilterKernel& kernel = runnable_filter_kernels().back());
 
   /// How many positions outside the sequence it looks at, for units up to `unit_length`.
@@ -37,7 +39,7 @@ class CandidateFilter {
 
   /// Glances at a block, from left to right: takes starts out of `candidates`, kFilterWords words
   /// for the positions from `first_word` * 64 on. Those in doubt are kept for `look_closely`. What
-  /// stays cannot be judged and survives. Requires that less than kFilterStarts are in doubt.
+  /// stays survives. Requires that less than kFilterStarts are in doubt.
   void glance(std::ptrdiff_t first_word, std::uint64_t* candidates);
 
   /// How many starts are in doubt, and the first of them.
@@ -58,6 +60,7 @@ class CandidateFilter {
 
   BitPlanes::Words planes_;
   bool can_judge_;
+  bool glances_;
   FilterPlan glance_;
   FilterPlan close_look_;
   FilterKernel kernel_;

@@ -161,8 +161,8 @@ void CSearchController::one_unit_len_complete_imperfect_search(
   const int min_score = (*minScores)[unit_len];
   CandidateTrial trial(context, seq_end(), paths, unit_len, min_score, (*minLengths)[unit_len],
                        anchors);
-  CandidateFilter filter(planes, unit_len, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_len);
+  CandidateFilter filter(planes, unit_len, min_score, scan.starts());
   StartQueue queue(seq_begin(), scan.starts(), unit_len, planes, filter);
   ScanProgress progress{unit_len};
   while (StartBlock* block = queue.next(trial.painter(), anchors)) {

@@ -48,6 +48,9 @@ std::vector<int> scores_of_starts(std::string_view residues, const Settings& set
 
 /// One sequence and one unit length, with what the slow twin makes of it.
 class FilteredSequence {
+  /// More than any sequence that is looked at closely at once.
+  static constexpr std::ptrdiff_t kManyStarts = 1 << 20;
+
  public:
   FilteredSequence(std::string_view residues, const Settings& settings, unsigned unit_length)
       : residues_(residues),
@@ -63,7 +66,16 @@ class FilteredSequence {
   const std::vector<int>& scores() const { return scores_; }
 
   StartBits survivors_of(StartBits starts, int min_score, const FilterKernel& kernel) const {
-    CandidateFilter filter(planes_, unit_length_, min_score, kernel);
+    StartBits at_once = left_by(starts, 0, min_score, kernel);
+    const StartBits after_glances = left_by(starts, kManyStarts, min_score, kernel);
+    // What must survive must survive both.
+    for (std::size_t word = 0; word < starts.size(); ++word) at_once[word] &= after_glances[word];
+    return at_once;
+  }
+
+  StartBits left_by(StartBits starts, std::ptrdiff_t number_of_starts, int min_score,
+                    const FilterKernel& kernel) const {
+    CandidateFilter filter(planes_, unit_length_, min_score, number_of_starts, kernel);
     std::vector<std::ptrdiff_t> survivors;
     const auto look_closely = [&] {
       const std::span<const std::ptrdiff_t> kept = filter.look_closely();
