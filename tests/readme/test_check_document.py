@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: the Vorlan authors
-"""The check of the README must see faults: hand-made READMEs for a program that prints known lines."""
+"""The check of documents must see faults: hand-made documents for a program that prints known lines."""
 
 from __future__ import annotations
 
@@ -13,25 +13,28 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
-import check_readme
+import check_document
 
 # Prints its arguments and three more lines; fails when it is told to.
 PROGRAM = '#!/bin/sh\n[ "$1" = fail ] && exit 3\nprintf "%s\\n" "$*" one two three\necho noise >&2\n'
 MAKEFILE = "ARGS ?= default.fa\nrun:\n\t@echo building >&2\n\t@build/release/vorlan $(ARGS)\n"
 
 
-class CheckReadme(unittest.TestCase):
-    def outcome(self, readme: str) -> tuple[int, str]:
+class CheckDocument(unittest.TestCase):
+    def outcome(self, text: str, name: str = "README.md") -> tuple[int, str]:
         with tempfile.TemporaryDirectory() as folder:
             root = Path(folder)
             (root / "examples").mkdir()
+            (root / "examples/a.fa").touch()
             (root / "Makefile").write_text(MAKEFILE)
             (root / "program").write_text(PROGRAM)
             (root / "program").chmod(0o755)
-            (root / "README.md").write_text(readme)
+            document = root / name
+            document.parent.mkdir(exist_ok=True)
+            document.write_text(text)
             printed = io.StringIO()
             with contextlib.redirect_stdout(printed):
-                status = check_readme.main([str(root / "README.md"), str(root / "program")])
+                status = check_document.main([str(document), str(root / "program")])
             return status, printed.getvalue().rstrip("\n").split("\n")[-1]
 
     def block(self, *lines: str) -> tuple[int, str]:
@@ -86,6 +89,44 @@ class CheckReadme(unittest.TestCase):
 
     def test_a_readme_without_commands_fails(self) -> None:
         self.assertEqual(self.outcome("# Title\n```sh\nvorlan a\n```\n"), (1, "0 passed, 0 failed"))
+
+    def recipe(self, *lines: str, shown: tuple[str, ...] = ()) -> tuple[int, str]:
+        text = ["```text", *shown, "```"] if shown else []
+        return self.outcome("\n".join(["# Title", "```bash", *lines, "```", "What comes out:", *text, ""]))
+
+    def test_a_command_may_go_on_in_the_next_line(self) -> None:
+        self.assert_passes("$ vorlan a |", "tail -n 1", "three")
+        self.assert_passes("$ vorlan a \\", "  b", "a b", "one", "two", "three")
+        self.assert_fails("$ vorlan a |", "tail -n 1", "two")
+
+    def test_a_recipe_is_one_script_with_its_output_behind_it(self) -> None:
+        self.assertEqual(self.recipe("vorlan a |", "tail -n 1", "echo end", shown=("three", "end")),
+                         (0, "1 passed, 0 failed"))
+
+    def test_another_output_of_a_recipe_fails(self) -> None:
+        self.assertEqual(self.recipe("vorlan a", shown=("a", "one", "two", "tree")), (1, "0 passed, 1 failed"))
+
+    def test_output_of_a_recipe_that_is_not_shown_fails(self) -> None:
+        self.assertEqual(self.recipe("vorlan a"), (1, "0 passed, 1 failed"))
+        self.assertEqual(self.recipe("vorlan a >file"), (0, "1 passed, 0 failed"))
+
+    def test_a_recipe_fails_with_any_of_its_commands(self) -> None:
+        for script in ("false\necho a", "vorlan fail | cat >file", "cat no-such-file || exit 3"):
+            with self.subTest(script=script):
+                self.assertEqual(self.recipe(script), (1, "0 passed, 1 failed"))
+
+    def test_recipes_share_a_folder_and_console_blocks_do_not(self) -> None:
+        two = "```{0}\n{1}vorlan a >file\n```\n```{0}\n{1}vorlan; cat file >copy\n```\n"
+        self.assertEqual(self.outcome(two.format("bash", "").replace("vorlan; ", "")), (0, "2 passed, 0 failed"))
+        self.assertEqual(self.outcome(two.format("console", "$ ").replace("vorlan; ", "vorlan b >x; ")),
+                         (1, "1 passed, 1 failed"))
+
+    def test_text_without_a_recipe_before_it_fails(self) -> None:
+        self.assertEqual(self.outcome("```sh\nvorlan a\n```\n```text\na\n```\n"), (1, "0 passed, 1 failed"))
+
+    def test_a_document_in_a_folder_below_finds_the_examples(self) -> None:
+        self.assertEqual(self.outcome("```console\n$ vorlan examples/*\nexamples/a.fa\n...\n```\n", "docs/guide.md"),
+                         (0, "1 passed, 0 failed"))
 
     def test_a_block_that_cannot_be_checked_fails(self) -> None:
         for readme in ("```\nvorlan a\n```\n", "```text\none\n```\n", "```console\none\n```\n",
