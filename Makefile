@@ -10,6 +10,7 @@
 #   make test-clang          the same, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
+#   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
 #   make install             PREFIX (default /usr/local) and DESTDIR as usual
 #   make clean
@@ -23,7 +24,7 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-asan test-clang test-portable bench lint install clean
+.PHONY: build run test test-asan test-clang test-portable bench figures lint install clean
 
 build:
 	$(need) build
@@ -41,20 +42,20 @@ define run_tests
 endef
 
 test:
-	$(need) build test
+	$(need) build test cookbook figures
 	$(call run_tests,release)
 
 test-asan:
-	$(need) build test clang
+	$(need) build test cookbook figures clang
 	$(call run_tests,asan)
 	$(call run_tests,asan-clang)
 
 test-clang:
-	$(need) build test clang
+	$(need) build test cookbook figures clang
 	$(call run_tests,clang)
 
 test-portable:
-	$(need) build test
+	$(need) build test cookbook figures
 	$(call run_tests,portable)
 
 bench:
@@ -62,6 +63,12 @@ bench:
 	$(call configure,bench,OFF)
 	$(call build,bench)
 	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA))
+
+# The pictures are drawn with the Python that Debian's matplotlib is installed for.
+figures: build
+	$(need) figures
+	@/usr/bin/python3 docs/figures/draw_modes.py build/release/vorlan docs/figures/modes.svg
+	@/usr/bin/python3 docs/figures/draw_speed.py bench/results docs/figures/speed.svg
 
 lint:
 	$(need) build test lint

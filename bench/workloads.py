@@ -23,6 +23,9 @@ DEFAULTS: tuple[str, ...] = ()
 # No repeat of the inputs reaches this score: what remains is the search itself.
 NOTHING_FOUND = ("-s", "1000")
 
+# The last one is beyond what the filter of candidates handles.
+UNIT_LENGTHS = (1, 2, 3, 5, 10, 20, 50, 100, 200, 256, 257)
+
 MEMORY_BYTES_PER_RESIDUE = 2.5
 MEMORY_BYTES_FIXED = 32_000_000
 
@@ -139,4 +142,6 @@ def memories(divisor: int) -> list[Memory]:
 def throughputs(divisor: int) -> list[Throughput]:
     inputs = [background(16 * MBP // divisor), genome("Saccharomyces_cerevisiae*.fa.gz", divisor),
               diverged_array(160 * KBP // divisor)]
-    return [Throughput("throughput", Work(mode, input_)) for input_ in inputs for mode in MODES]
+    one_unit_length = [IMPERFECT + ("-u", str(length), "-U", str(length)) for length in UNIT_LENGTHS]
+    return [*(Throughput("throughput", Work(mode, input_)) for input_ in inputs for mode in MODES),
+            *(Throughput("unit-length", Work(options, background(MBP // divisor))) for options in one_unit_length)]

@@ -16,6 +16,15 @@ ninja ninja-build
     test) echo '/usr/include/gtest/gtest.h libgtest-dev
 /usr/include/gmock/gmock.h libgmock-dev
 python3 python3' ;;
+    cookbook) echo 'bedtools bedtools
+samtools samtools
+tabix tabix
+gt genometools
+seqkit seqkit
+parallel parallel
+primer3_core primer3
+python3 python3' ;;
+    figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     clang) echo 'clang++ clang
 /usr/share/doc/libclang-rt-dev libclang-rt-dev' ;;
     bench) echo '/usr/include/benchmark/benchmark.h libbenchmark-dev
