@@ -71,7 +71,7 @@ class Cookbook(unittest.TestCase):
         if missing:
             raise AssertionError(f"Debian packages are missing: {' '.join(missing)}; "
                                  "tools/install-missing-packages.sh cookbook installs them")
-        cls.bench = cls.enterClassContext(Workbench(ROOT, Path(os.environ["VORLAN_BINARY"])))
+        cls.bench = cls.enterClassContext(Workbench(ROOT, Path(os.environ["VORLAN_BINARY"]).resolve()))
         cls.folder = cls.bench.folder
         cls.recipes: list[Example] = [example for group in groups(DOCUMENT.read_text()) for example in group]
         cls.problems = [(recipe, cls.bench.problem(recipe)) for recipe in cls.recipes]
