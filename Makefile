@@ -19,6 +19,7 @@ ARGS ?= examples/androgen_receptor.fa
 PREFIX ?= /usr/local
 DESTDIR ?=
 DATA ?=
+BUILD_DIR ?= build/release
 
 need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
@@ -76,7 +77,7 @@ lint:
 	@tools/lint.sh build/dev
 
 install: build
-	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+	@DESTDIR="$(DESTDIR)" cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"
 
 clean:
 	@rm -rf build

@@ -15,6 +15,15 @@ ninja ninja-build
 /usr/include/tclap/CmdLine.h libtclap-dev' ;;
     test) echo '/usr/include/gtest/gtest.h libgtest-dev
 /usr/include/gmock/gmock.h libgmock-dev
+python3 python3
+groff groff-base
+man man-db
+mandoc mandoc
+/usr/share/bash-completion/bash_completion bash-completion
+zsh zsh' ;;
+    deb) echo 'dpkg-buildpackage dpkg-dev
+fakeroot fakeroot
+dh debhelper
 python3 python3' ;;
     cookbook) echo 'bedtools bedtools
 samtools samtools
