@@ -13,6 +13,7 @@
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
 #   make install             PREFIX (default /usr/local) and DESTDIR as usual
+#   make deb                 build a Debian package in build/deb/
 #   make clean
 
 ARGS ?= examples/androgen_receptor.fa
@@ -20,12 +21,13 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 DATA ?=
 BUILD_DIR ?= build/release
+DEB_DIR ?= build/deb
 
 need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-asan test-clang test-portable bench figures lint install clean
+.PHONY: build run test test-asan test-clang test-portable bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -78,6 +80,10 @@ lint:
 
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"
+
+deb:
+	$(need) build deb
+	@tools/build_deb.sh "$(DEB_DIR)" >&2
 
 clean:
 	@rm -rf build

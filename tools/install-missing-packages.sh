@@ -24,6 +24,7 @@ zsh zsh' ;;
     deb) echo 'dpkg-buildpackage dpkg-dev
 fakeroot fakeroot
 dh debhelper
+lintian lintian
 python3 python3' ;;
     cookbook) echo 'bedtools bedtools
 samtools samtools

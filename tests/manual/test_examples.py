@@ -5,21 +5,26 @@
 from __future__ import annotations
 
 import gzip
-from pathlib import Path
+import subprocess
+import sys
 
-from check_readme import Block, check_block
 from manual_page import ROOT, ManualPage
 from program_run import BINARY, ProgramTest
+
+# The check of the README, which any document with commands and what they print can be given to.
+CHECK, = (ROOT / "tests/readme").glob("check_*.py")
 
 
 class Examples(ProgramTest):
     def test_the_formats_page_shows_what_the_program_prints(self) -> None:
         displays = [lines for lines in ManualPage("vorlan-formats.5").displays() if lines[0].startswith("$ ")]
         self.assertEqual(len(displays), 1)
-        for lines in displays:
-            for example, problem in check_block(Block(1, "console", tuple(lines)), ROOT, Path(BINARY)):
-                with self.subTest(command=example.command):
-                    self.assertEqual(problem, "")
+        document = self.folder / "example.md"
+        document.write_text("\n".join(["```console", *displays[0], "```", ""]))
+        self.folder.joinpath("examples").symlink_to(ROOT / "examples")
+        done = subprocess.run([sys.executable, str(CHECK), str(document), BINARY], stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, check=False)
+        self.assertEqual((done.stdout, done.returncode), ("2 passed, 0 failed\n", 0))
 
     def test_the_commands_of_the_program_page_run(self) -> None:
         genome = (ROOT / "examples/mixed_records.fa").read_bytes()

@@ -14,6 +14,7 @@ PLACES = {
     "src/config/version.h": r'^#define VORLAN_VERSION "(.*)"$',
     "CHANGELOG.md": r"\A.*?^## (\S+)",
     "CITATION.cff": r'^version: "?([^"\s]+)"?$',
+    "debian/changelog": r"\Avorlan \(([^)]*)\) ",
 }
 
 
