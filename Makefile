@@ -5,7 +5,8 @@
 #
 #   make run                 search the bundled example with the default settings
 #   make run ARGS="-M exact genome.fa report.txt"
-#   make test                run every test
+#   make test                run every test but the slow ones
+#   make test-slow           run the tests that take long, also under the sanitizers
 #   make test-asan           the same under the sanitizers, with g++ and with clang++
 #   make test-clang          the same, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
@@ -27,7 +28,7 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-asan test-clang test-portable bench figures lint install deb clean
+.PHONY: build run test test-slow test-asan test-clang test-portable bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -47,6 +48,15 @@ endef
 test:
 	$(need) build test cookbook figures
 	$(call run_tests,release)
+
+test-slow:
+	$(need) build test
+	$(call configure,release,ON)
+	$(call build,release)
+	$(call configure,asan,ON)
+	$(call build,asan)
+	@ctest --preset release-slow
+	@ctest --preset asan-slow
 
 test-asan:
 	$(need) build test cookbook figures clang

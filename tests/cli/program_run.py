@@ -63,6 +63,7 @@ class ProgramTest(unittest.TestCase):
     """A test with a folder, which is the working directory of the runs."""
 
     maxDiff = None
+    time_limit = TIME_LIMIT_SECONDS
 
     def setUp(self) -> None:
         folder = tempfile.TemporaryDirectory(prefix="vorlan-cli-")
@@ -104,15 +105,15 @@ class ProgramTest(unittest.TestCase):
 
     def outcome(self, process: subprocess.Popen[bytes], piped: bytes | None) -> Outcome:
         try:
-            report, console = process.communicate(piped, timeout=TIME_LIMIT_SECONDS)
+            report, console = process.communicate(piped, timeout=self.time_limit)
         except subprocess.TimeoutExpired:
             process.kill()
-            self.fail(f"{process.args!r} was still running after {TIME_LIMIT_SECONDS} seconds")
+            self.fail(f"{process.args!r} was still running after {self.time_limit} seconds")
         return Outcome(process.returncode, report or b"", console or b"")
 
     def open_fifo(self, name: str, reader: subprocess.Popen[bytes]) -> BinaryIO:
         """Open a FIFO for writing as soon as the program reads it, and fail when it never does."""
-        deadline = time.monotonic() + TIME_LIMIT_SECONDS
+        deadline = time.monotonic() + self.time_limit
         while True:
             try:
                 descriptor = os.open(self.folder / name, os.O_WRONLY | os.O_NONBLOCK)
