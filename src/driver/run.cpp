@@ -4,6 +4,9 @@
 #include "driver/run.h"
 
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <memory>
 #include <new>
 #include <optional>
@@ -173,9 +176,28 @@ int not_enough_memory() {
   return abort_run(kNotEnoughMemory);
 }
 
+bool is_lack_of_memory(const std::exception_ptr& exception) try {
+  if (exception != nullptr) std::rethrow_exception(exception);
+  return true;  // there was not even room for an exception
+} catch (const std::bad_alloc&) {
+  return true;
+} catch (...) {
+  return false;
+}
+
+// The runtime calls this where no exception can be made, or where one more is thrown while the way
+// back from the first is cleared.
+[[noreturn]] void terminated() {
+  if (!is_lack_of_memory(std::current_exception())) std::abort();
+  const int status = not_enough_memory();
+  std::fflush(nullptr);
+  std::_Exit(status);
+}
+
 }  // namespace
 
 int run(int argc, const char* const* argv) try {
+  std::set_terminate(terminated);
   time_analysis_started = std::time(nullptr);
   vorlan_welcome(stderr);
   std::fflush(stderr);
