@@ -11,10 +11,11 @@ import subprocess
 import time
 import unittest
 
-from program_run import SANITIZED, TIME_LIMIT_SECONDS, Outcome, ProgramTest
+from program_run import ENVIRONMENT, SANITIZED, TIME_LIMIT_SECONDS, Outcome, ProgramTest
 from small_record import RESIDUES, block, header
 
-MEGABYTE = 2**20
+KILOBYTE, MEGABYTE = 2**10, 2**20
+MODES = ("exact", "extendExact", "imperfect")
 TOO_LITTLE_MEMORY = (b"Sorry, there is not enough memory for this run.\n\n"
                      b"Analysis has been aborted due to errors. Error number: -103\n\n")
 
@@ -49,6 +50,74 @@ class TooLittleMemory(ProgramTest):
     def test_a_header_that_does_not_fit_is_told(self) -> None:
         self.assert_too_little(self.run_with(60, b">" + b"x" * 40_000_000, "/dev/stdin", "out.txt"))
         self.assertEqual(self.read("out.txt"), header(b"/dev/stdin", b"out.txt"))
+
+
+class MemoryThatEndsAnywhere(ProgramTest):
+    """Whatever the run is doing when memory ends: it says so, and the report holds only what it should."""
+
+    # Repeats with and without edits and N, one that hides another, and a second record.
+    RECORDS = (b">a\n%s\n>b with words\n" % RESIDUES + b"ACGTTGCAACNNGATTACA" * 30 +
+               b"GATCGATTAGCTAGCATCGATCGGCTA" * 3 + b"CACACACACACTCACACACACGGCACACACACACACACAACACA\n")
+    # A file of which the stream has no room for its buffer cannot be opened.
+    ENDINGS = {153: TOO_LITTLE_MEMORY,
+               154: b"as output file.\n\nAnalysis has been aborted due to errors. Error number: -102\n\n",
+               155: b"does not exist.\n\nAnalysis has been aborted due to errors. Error number: -101\n\n"}
+    EVENTS_DO_NOT_FIT = b"Program aborded due to failed realloc!\n"
+
+    def setUp(self) -> None:
+        super().setUp()
+        self.write("in.fa", self.RECORDS)
+
+    def complete_run(self, mode: str, **variables: str) -> Outcome:
+        outcome = self.run_program("--maskX", "-M", mode, "in.fa", env=ENVIRONMENT | variables)
+        self.assert_success(outcome)
+        return outcome
+
+    def assert_ended_well(self, outcome: Outcome, complete: Outcome) -> None:
+        """The run is complete, or it says that memory or a file is missing and shows no closing line."""
+        if outcome.status == 0 and outcome.report.endswith(self.EVENTS_DO_NOT_FIT):
+            report = outcome.report.removesuffix(self.EVENTS_DO_NOT_FIT)
+        elif outcome.status == 0:
+            self.assertEqual(outcome.report, complete.report)
+            return
+        else:
+            self.assertIn(outcome.status, self.ENDINGS)
+            self.assertTrue(outcome.console.endswith(self.ENDINGS[outcome.status]))
+            report = outcome.report
+        self.assertTrue(complete.report.startswith(report))
+        self.assertLess(len(report), len(complete.report) - len(b"## Finished"))
+
+    @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
+    def test_every_limit_with_which_the_program_starts_leads_to_the_sentence_or_to_the_end(self) -> None:
+        for mode in MODES:
+            complete = self.complete_run(mode)
+            statuses = set()
+            for limit in range(4 * MEGABYTE, 24 * MEGABYTE, 96 * KILOBYTE):
+                outcome = self.run_program("--maskX", "-M", mode, "in.fa",
+                                           preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+                if b"Welcome to Vorlan" in outcome.console:
+                    with self.subTest(mode=mode, kilobytes=limit // KILOBYTE):
+                        self.assert_ended_well(outcome, complete)
+                    statuses.add(outcome.status)
+            self.assertEqual(statuses, {0, 153})
+
+    @unittest.skipIf(SANITIZED, "sanitizers bring allocation functions of their own")
+    def test_every_single_allocation_may_fail_alone_or_with_all_behind_it(self) -> None:
+        library = os.environ["VORLAN_FAILING_ALLOCATION_LIBRARY"]
+        for mode in MODES:
+            complete = self.complete_run(mode, LD_PRELOAD=library,
+                                         VORLAN_COUNT_ALLOCATIONS=str(self.folder / "count"))
+            count = int(self.read("count"))
+            self.assertGreater(count, 200)
+            statuses = []
+            for number in range(1, count + 1):
+                for suffix in ("", "+"):
+                    with self.subTest(mode=mode, fails=f"{number}{suffix}"):
+                        outcome = self.run_program("--maskX", "-M", mode, "in.fa", env=ENVIRONMENT | {
+                            "LD_PRELOAD": library, "VORLAN_FAIL_ALLOCATION": f"{number}{suffix}"})
+                        self.assert_ended_well(outcome, complete)
+                        statuses.append(outcome.status)
+            self.assertGreater(statuses.count(153), count)
 
 
 class EndedInTheMiddle(ProgramTest):
