@@ -8,18 +8,12 @@ it is refused, and whether a repeat of 10 bases, 8 points and 100 % is reported 
 
 from __future__ import annotations
 
-import re
-import struct
 from typing import Callable
 
+from number_texts import INT_MAX, INT_MIN, UNSIGNED_MAX, read, values
 from option_table import BY_NAME, OPTIONS
 from program_run import Outcome, ProgramTest
 from small_record import CLOSING_LINE, ENTRY, RECORD, block, without_header
-
-INT_MIN, INT_MAX, UNSIGNED_MAX = -2**31, 2**31 - 1, 2**32 - 1
-FLOAT_MAX = struct.unpack("<f", struct.pack("<I", 0x7F7FFFFF))[0]
-UNSIGNED = {"minUnitLen", "maxUnitLen"}
-COMMON_VALUES = ["", "garbage", "5x", "-1", "0", "1", "nan", "inf", "1e30", "1e400"]
 
 MODES = {"exact", "extendExact", "imperfect"}
 SECOND_LINE_OF_COMMAND_FAULTS = b"\nAnalysis has been aborted due to errors. Error number: -2\n\n"
@@ -42,32 +36,6 @@ class Refused(Exception):
 
     def __init__(self, message: bytes, status: int = 255) -> None:
         super().__init__(message, status)
-
-
-def values(name: str) -> list[str]:
-    """The fourteenth value is to have none at all, which the tests of the command line cover, too."""
-    if name in UNSIGNED:
-        edges = [str(INT_MIN), str(UNSIGNED_MAX), str(UNSIGNED_MAX + 1)]
-    elif BY_NAME[name].value == "float":
-        edges = ["-3.4028234e38", "3.4028234e38", "3.5e38"]
-    else:
-        edges = [str(INT_MIN), str(INT_MAX), str(INT_MAX + 1)]
-    return COMMON_VALUES + edges
-
-
-def read(name: str, text: str) -> float | None:
-    """The number that a text stands for, None when it cannot be read as a value of the option."""
-    if BY_NAME[name].value == "float":
-        if not re.fullmatch(r"-?\d+(\.\d+)?(e\d+)?", text):
-            return None
-        number = float(text)
-        return number if abs(number) <= FLOAT_MAX * (1 + 2**-26) else None
-    if not re.fullmatch(r"-?\d+", text):
-        return None
-    number = int(text)
-    if name in UNSIGNED:
-        return number % 2**32 if -UNSIGNED_MAX <= number <= UNSIGNED_MAX else None
-    return number if INT_MIN <= number <= INT_MAX else None
 
 
 def refuse_when(bad: bool, message: bytes) -> bytes:
