@@ -20,6 +20,7 @@
 #include "driver/exit_status.h"
 #include "driver/masked_file.h"
 #include "driver/output_file.h"
+#include "driver/standard_streams.h"
 #include "input/cfile.h"
 #include "input/csequence_mol.h"
 #include "output/report.h"
@@ -198,6 +199,7 @@ bool is_lack_of_memory(const std::exception_ptr& exception) try {
 
 int run(int argc, const char* const* argv) try {
   std::set_terminate(terminated);
+  keep_output_descriptors();
   time_analysis_started = std::time(nullptr);
   vorlan_welcome(stderr);
   std::fflush(stderr);

@@ -11,13 +11,14 @@ import subprocess
 from typing import Callable
 
 from program_run import TIME_LIMIT_SECONDS, Outcome, ProgramTest
-from small_record import CLOSING_LINE, RECORD, RESIDUES, block, header
+from small_record import CLOSING_LINE, MASKED_RESIDUES, RECORD, RESIDUES, block, header
 
 ABORTED = b"\nAnalysis has been aborted due to errors. Error number: -102\n\n"
 NOT_WRITTEN = b'Sorry! Writing to file\n   "%s"\nfailed. Its contents are not complete.\n' + ABORTED
 NOT_OPENED = b'Sorry! Failed to open file\n   "%s"\nas output file.\n' + ABORTED
 CLOSING_WORDS = b"Vorlan says goodbye."
 TWO_RECORDS = b">a\n%s\n>b\n%s\n" % (RESIDUES, RESIDUES)
+MASKED = b">a\n%s\n>b\n%s\n" % (MASKED_RESIDUES, MASKED_RESIDUES)
 PROGRESS = [b"#   1 -    1bp - a", b"#   2 -    1bp - b"]
 # More than any buffer of a stream holds, so that the masked file is written before the record ends.
 LONG_RECORDS = b">a\n%s\n>b\n%s\n" % (b"N" * 100_000, b"N" * 100_000)
@@ -144,12 +145,19 @@ class ClosedOutput(FailedWrites):
     def test_a_closed_standard_output_is_a_failed_write(self) -> None:
         self.assert_not_written(self.run_in_shell('"$vorlan" in.fa >&-'), b"standard output")
 
-    def test_a_closed_standard_input_or_output_does_not_harm_a_report_in_a_file(self) -> None:
-        for closed in ("0<&-", ">&-"):
+    def test_closed_standard_streams_do_not_harm_a_report_in_a_file(self) -> None:
+        # A file that is opened gets the lowest free number: console texts must not end up in it.
+        for closed in ("0<&-", ">&-", "2>&-", "0<&- >&-", "0<&- 2>&-", ">&- 2>&-", "0<&- >&- 2>&-"):
             with self.subTest(closed=closed):
-                self.assert_success(self.run_in_shell(f'"$vorlan" in.fa out.txt {closed}'))
-                self.assertEqual(self.read("out.txt"), header(b"in.fa", b"out.txt") + block(b"a") + block(b"b") +
-                                 CLOSING_LINE)
+                self.assertEqual(self.run_in_shell(f'"$vorlan" --maskX in.fa out.txt {closed}').status, 0)
+                self.assertEqual(self.read("out.txt"), header(b"in.fa", b"out.txt", masked=True) + block(b"a") +
+                                 block(b"b") + CLOSING_LINE)
+                self.assertEqual(self.read("in.fa.masked"), MASKED)
+                self.assertEqual(self.read("in.fa"), TWO_RECORDS)
+
+    def test_a_closed_standard_output_cannot_be_opened_by_its_device_name(self) -> None:
+        self.assert_refused_before_the_headers(self.run_in_shell('"$vorlan" in.fa /dev/stdout >&-'), b"/dev/stdout")
+        self.assertEqual(self.read("in.fa"), TWO_RECORDS)
 
 
 class UnopenableOutput(FailedWrites):

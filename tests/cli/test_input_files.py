@@ -33,6 +33,10 @@ class Sources(ProgramTest):
         self.assertEqual(outcome.report, header(b"/dev/stdin"))
         self.assert_malformed(outcome, 1)
 
+    def test_a_closed_standard_input_cannot_be_opened(self) -> None:
+        outcome = self.run_in_shell('"$vorlan" /dev/stdin 0<&-')
+        self.assertEqual((outcome.messages(), outcome.status), (NOT_OPENED % b"/dev/stdin", 155))
+
     def test_a_process_substitution_is_an_input(self) -> None:
         self.write("in.fa", RECORD)
         outcome = self.run_in_shell('"$vorlan" <(cat in.fa)')
