@@ -21,6 +21,7 @@ TWO_RECORDS = b">a\n%s\n>b\n%s\n" % (RESIDUES, RESIDUES)
 MASKED = b">a\n%s\n>b\n%s\n" % (MASKED_RESIDUES, MASKED_RESIDUES)
 PROGRESS = [b"#   1 -    1bp - a", b"#   2 -    1bp - b"]
 # More than any buffer of a stream holds, so that the masked file is written before the record ends.
+CANNOT_MOUNT = 77
 LONG_RECORDS = b">a\n%s\n>b\n%s\n" % (b"N" * 100_000, b"N" * 100_000)
 
 
@@ -109,6 +110,56 @@ class FullDisk(FailedWrites):
     def test_a_name_given_as_the_full_device_is_shown_as_given(self) -> None:
         os.symlink("/dev/full", self.folder / "100%s \xff.txt")
         self.assert_not_written(self.run_program("in.fa", "100%s \xff.txt"), "100%s \xff.txt".encode())
+
+
+class SmallDisk(FailedWrites):
+    """A file system of its own, in memory, which is full in the middle of a record."""
+
+    ROOM = 16 * 4096
+    # One repeat after another: the block of the first record is larger than the disk.
+    RECORDS = b">a\n" + RESIDUES * 1000 + b"\n>b\n" + RESIDUES + b"\n"
+
+    def run_on_small_disk(self, *arguments: str) -> Outcome:
+        """Run with the folder `disk` on a small file system, and keep a copy of it as `kept`.
+
+        Only the process of the script sees the file system, which goes with it.
+        """
+        self.write("in.fa", self.RECORDS)
+        (self.folder / "disk").mkdir()
+        namespaces = "--mount" if os.geteuid() == 0 else "--user --map-root-user --mount"
+        outcome = self.run_in_shell(f"""
+            unshare {namespaces} bash -c 'mount -t tmpfs -o size={self.ROOM} none disk || exit {CANNOT_MOUNT}
+              ln -s ../in.fa disk/in.fa
+              "$vorlan" {" ".join(arguments)}
+              status=$?
+              cp -r disk kept
+              exit $status' || exit $?""")
+        if outcome.status in (1, CANNOT_MOUNT):
+            self.skipTest(f"no file system can be mounted here: {outcome.console!r}")
+        return outcome
+
+    def test_a_disk_that_fills_up_in_the_middle_of_a_record_ends_the_run_behind_it(self) -> None:
+        outcome = self.run_on_small_disk("in.fa", "disk/out.txt")
+        self.assert_not_written(outcome, b"disk/out.txt")
+        self.assertEqual(outcome.progress(), PROGRESS[:1])
+        whole = self.run_program("in.fa", "whole.txt")
+        self.assert_success(whole)
+        expected = self.read("whole.txt").replace(b" whole.txt\n", b" disk/out.txt\n")
+        kept = self.read("kept/out.txt")
+        self.assertEqual(kept, expected[:len(kept)])
+        self.assertGreater(len(kept), self.ROOM - 2 * 4096)
+        self.assertLess(len(kept), expected.index(b'# Analysis of sequence "a" completed.'))
+
+    def test_a_disk_that_fills_up_in_the_middle_of_the_masked_file_leaves_its_beginning(self) -> None:
+        self.RECORDS = LONG_RECORDS
+        outcome = self.run_on_small_disk("--maskX", "disk/in.fa", "out.txt")
+        self.assert_not_written(outcome, b"disk/in.fa.masked")
+        self.assertEqual(outcome.progress(), PROGRESS[:1])
+        self.assertEqual(self.read("out.txt"), header(b"disk/in.fa", b"out.txt", masked=True) +
+                         block(b"a", b"", 100_000))
+        kept = self.read("kept/in.fa.masked")
+        self.assertEqual(kept, (b">a\n" + (b"N" * 80 + b"\n") * 1250)[:len(kept)])
+        self.assertGreater(len(kept), self.ROOM - 2 * 4096)
 
 
 class ClosedOutput(FailedWrites):

@@ -4,11 +4,17 @@
 
 from __future__ import annotations
 
+import array
+import fcntl
 import gzip
 import os
+import subprocess
+import termios
+import time
+from typing import Callable
 
-from program_run import BINARY, Outcome, ProgramTest
-from small_record import CLOSING_LINE, MASKED_RESIDUES, RECORD, RESIDUES, block, header
+from program_run import BINARY, TIME_LIMIT_SECONDS, Outcome, ProgramTest
+from small_record import CLOSING_LINE, ENTRY, MASKED_RESIDUES, RECORD, RESIDUES, block, header
 
 NOT_OPENED = (b'Sorry! The input file \n   "%s"\ncould not be opened. I guess it does not exist.\n\n'
               b"Analysis has been aborted due to errors. Error number: -101\n\n")
@@ -103,6 +109,79 @@ class Sources(ProgramTest):
             return self.run_program(*arguments, user=NOBODY, group=NOBODY, extra_groups=[])
         except PermissionError:
             self.skipTest(f"only root can run {BINARY} where it lies")
+
+
+class ChangingInput(ProgramTest):
+    """Files that are cut or grow while they are read.
+
+    Reports go to a pipe that nobody empties for a while, so that the run waits. It has then read the
+    first million bytes of its input at once, and reads on when the pipe is emptied.
+    """
+
+    READ_BYTES = 1_000_000
+    RECORD_BYTES = 200
+
+    def record(self, number: int) -> bytes:
+        """A record of 200 bytes."""
+        start = b">r%d\n%s" % (number, RESIDUES)
+        return start + b"N" * (self.RECORD_BYTES - 1 - len(start)) + b"\n"
+
+    def report_of(self, data: bytes) -> bytes:
+        """The blocks of the records of which `data` holds the beginning or all."""
+        blocks = []
+        for record in data.split(b">")[1:]:
+            name, _, residues = record.partition(b"\n")
+            blocks.append(block(name, ENTRY if residues.startswith(RESIDUES) else b"", len(residues.strip())))
+        return b"".join(blocks)
+
+    def assert_long_report(self, outcome: Outcome, data: bytes) -> None:
+        """Without a comparison in detail, which takes minutes for texts of this length."""
+        self.assert_success(outcome)
+        expected = header(b"in.fa") + self.report_of(data) + CLOSING_LINE
+        self.assertTrue(outcome.report == expected, f"{len(outcome.report)} bytes, not {len(expected)}")
+
+    def run_while(self, data: bytes, change: Callable[[], None]) -> Outcome:
+        """Run on `data`, and call `change` when the run waits for the first time."""
+        self.write("in.fa", data)
+        with self.start("in.fa", stderr=subprocess.PIPE) as process:
+            try:
+                self.wait_for_reports(process)
+                change()
+                return self.outcome(process, None)
+            finally:
+                process.kill()
+
+    def wait_for_reports(self, process: subprocess.Popen[bytes]) -> None:
+        """Wait until the pipe holds so much that the first records have been reported."""
+        deadline = time.monotonic() + TIME_LIMIT_SECONDS
+        waiting = array.array("i", [0])
+        while waiting[0] < 10 * len(header(b"in.fa")):
+            self.assertLess(time.monotonic(), deadline, "nothing is reported in time")
+            time.sleep(0.01)
+            fcntl.ioctl(process.stdout, termios.FIONREAD, waiting)
+
+    def test_a_file_that_is_cut_while_it_is_read_ends_where_it_is_cut(self) -> None:
+        data = b"".join(self.record(number) for number in range(10_000, 20_000))
+        for size in (0, self.READ_BYTES, self.READ_BYTES + 12_345, self.READ_BYTES + 12_402):
+            with self.subTest(size=size):
+                outcome = self.run_while(data, lambda: os.truncate(self.folder / "in.fa", size))
+                # What has been read before is there all the same.
+                read = data[:max(size, self.READ_BYTES)]
+                self.assert_long_report(outcome, read)
+
+    def test_a_file_that_grows_while_it_is_read_is_read_to_its_new_end(self) -> None:
+        data = b"".join(self.record(number) for number in range(10_000, 16_000))
+        more = b"".join(self.record(number) for number in range(16_000, 16_050))
+        def append() -> None:
+            with open(self.folder / "in.fa", "ab") as file:
+                file.write(more)
+        outcome = self.run_while(data, append)
+        self.assert_long_report(outcome, data + more)
+
+    def test_a_file_that_is_removed_while_it_is_read_is_read_to_its_end(self) -> None:
+        data = b"".join(self.record(number) for number in range(10_000, 16_000))
+        outcome = self.run_while(data, lambda: os.unlink(self.folder / "in.fa"))
+        self.assert_long_report(outcome, data)
 
 
 class Names(ProgramTest):
