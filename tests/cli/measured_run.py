@@ -41,12 +41,12 @@ class MeasuredOutcome:
 class MeasuredRunTest(ProgramTest):
     time_limit = 3000 if SANITIZED else 600
 
-    def run_on_pieces(self, pieces: Iterable[bytes], *arguments: str) -> MeasuredOutcome:
+    def run_on_pieces(self, pieces: Iterable[bytes], *arguments: str, **popen: object) -> MeasuredOutcome:
         """Run on `pieces`, which reach the program on standard input."""
         report, console = self.folder / "report", self.folder / "console"
         reader, writer = os.pipe()
         with open(report, "wb") as out, open(console, "wb") as err, os.fdopen(writer, "wb", 0) as pipe:
-            process = self.start(*arguments, "/dev/stdin", stdin=reader, stdout=out, stderr=err)
+            process = self.start(*arguments, "/dev/stdin", stdin=reader, stdout=out, stderr=err, **popen)
             os.close(reader)
             feeder = threading.Thread(target=feed, args=(pipe, pieces))
             feeder.start()

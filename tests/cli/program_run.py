@@ -32,6 +32,10 @@ BANNER = re.compile(rb"\A\n\n"
                     rb"      Welcome to Vorlan, version 3\.3\.10,\n"
                     rb"      a microsatellite and satellite search tool\.\n"
                     rb"(?:      \S[^\n]*\n)+\n")
+TOO_LITTLE_MEMORY = (b"Sorry, there is not enough memory for this run.\n\n"
+                     b"Analysis has been aborted due to errors. Error number: -103\n\n")
+# On standard output, with status 0: one list of events could not grow.
+EVENTS_DO_NOT_FIT = b"Program aborded due to failed realloc!\n"
 CLOCK = re.compile(rb"^\d\d+\.\d\d\.\d\d - ", re.MULTILINE)
 
 

@@ -11,13 +11,12 @@ import subprocess
 import time
 import unittest
 
-from program_run import ENVIRONMENT, SANITIZED, TIME_LIMIT_SECONDS, Outcome, ProgramTest
+from program_run import (ENVIRONMENT, EVENTS_DO_NOT_FIT, SANITIZED, TIME_LIMIT_SECONDS, TOO_LITTLE_MEMORY, Outcome,
+                         ProgramTest)
 from small_record import RESIDUES, block, header
 
 KILOBYTE, MEGABYTE = 2**10, 2**20
 MODES = ("exact", "extendExact", "imperfect")
-TOO_LITTLE_MEMORY = (b"Sorry, there is not enough memory for this run.\n\n"
-                     b"Analysis has been aborted due to errors. Error number: -103\n\n")
 
 
 @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
@@ -62,7 +61,6 @@ class MemoryThatEndsAnywhere(ProgramTest):
     ENDINGS = {153: TOO_LITTLE_MEMORY,
                154: b"as output file.\n\nAnalysis has been aborted due to errors. Error number: -102\n\n",
                155: b"does not exist.\n\nAnalysis has been aborted due to errors. Error number: -101\n\n"}
-    EVENTS_DO_NOT_FIT = b"Program aborded due to failed realloc!\n"
 
     def setUp(self) -> None:
         super().setUp()
@@ -75,8 +73,8 @@ class MemoryThatEndsAnywhere(ProgramTest):
 
     def assert_ended_well(self, outcome: Outcome, complete: Outcome) -> None:
         """The run is complete, or it says that memory or a file is missing and shows no closing line."""
-        if outcome.status == 0 and outcome.report.endswith(self.EVENTS_DO_NOT_FIT):
-            report = outcome.report.removesuffix(self.EVENTS_DO_NOT_FIT)
+        if outcome.status == 0 and outcome.report.endswith(EVENTS_DO_NOT_FIT):
+            report = outcome.report.removesuffix(EVENTS_DO_NOT_FIT)
         elif outcome.status == 0:
             self.assertEqual(outcome.report, complete.report)
             return

@@ -6,12 +6,14 @@ from __future__ import annotations
 
 import hashlib
 import itertools
+import random
+import resource
 import unittest
 from collections.abc import Iterable
 from pathlib import Path
 
-from measured_run import MEGABYTE, MeasuredRunTest, repeated
-from program_run import SANITIZED
+from measured_run import MEGABYTE, MeasuredOutcome, MeasuredRunTest, repeated
+from program_run import EVENTS_DO_NOT_FIT, SANITIZED, TOO_LITTLE_MEMORY
 from small_record import CLOSING_LINE, ENTRY, RESIDUES, header
 
 LARGEST_RECORD = 2**31 - 1
@@ -84,6 +86,65 @@ class LargeInputs(MeasuredRunTest):
                     self.fail(f"record {number} is not reported in its turn")
             self.assertEqual(report.read(), CLOSING_LINE)
         self.assertIn(b" - # %d -    1bp - r%d\n" % (count, count), outcome.console_end())
+
+
+class Memory(MeasuredRunTest):
+    def records(self, count: int) -> Iterable[bytes]:
+        """Records of a thousand kinds, over and over, with repeats, edits and N."""
+        source = random.Random(3)
+        kinds = []
+        for number in range(1000):
+            unit = bytes(source.choices(b"ACGT", k=source.randint(1, 6)))
+            array = bytearray(unit * source.randint(3, 12))
+            array[source.randrange(len(array))] = source.choice(b"ACGTN")
+            kinds.append(b">r%d some words\n%s%s\n" % (number, bytes(source.choices(b"ACGT", k=30)), array))
+        thousand = b"".join(kinds)
+        for _ in range(count // 1000):
+            yield thousand
+
+    def test_memory_does_not_grow_from_the_thousandth_to_the_millionth_record(self) -> None:
+        count = 20_000 if SANITIZED else 1_000_000
+        for mode in ("exact", "extendExact", "imperfect"):
+            with self.subTest(mode=mode):
+                few = self.run_on_pieces(self.records(1000), "-M", mode)
+                self.assert_large_success(few)
+                many = self.run_on_pieces(self.records(count), "-M", mode)
+                self.assert_large_success(many)
+                self.assertIn(b" - # %d -    1bp - r999\n" % count, many.console_end())
+                self.assertLess(many.peak_bytes - few.peak_bytes, (64 if SANITIZED else 2) * MEGABYTE)
+
+    @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
+    def test_every_limit_of_memory_leads_to_the_sentence_or_to_the_end_on_a_long_record(self) -> None:
+        source = random.Random(4)
+        array = bytes(base if source.random() > 0.1 else source.choice(b"ACGT") for base in b"AT" * 5000)
+        data = b">short\n%s\n>long\n%s%s\n" % (RESIDUES, bytes(source.choices(b"ACGTN", k=2_000_000)), array)
+        for mode in ("exact", "extendExact", "imperfect"):
+            complete = self.run_limited(data, mode, 1000 * MEGABYTE)
+            self.assert_large_success(complete)
+            expected = complete.report.read_bytes()
+            statuses = set()
+            for megabytes in range(8, 120, 4):
+                with self.subTest(mode=mode, megabytes=megabytes):
+                    outcome = self.run_limited(data, mode, megabytes * MEGABYTE)
+                    self.check_ending(outcome, expected)
+                    statuses.add(outcome.status)
+            self.assertEqual(statuses, {0, 153})
+
+    def run_limited(self, data: bytes, mode: str, limit: int) -> MeasuredOutcome:
+        return self.run_on_pieces([data], "-M", mode,
+                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+
+    def check_ending(self, outcome: MeasuredOutcome, expected: bytes) -> None:
+        """The run is complete, or it says why not and shows no closing line."""
+        report = outcome.report.read_bytes()
+        if outcome.status == 153:
+            self.assertTrue(outcome.console_end().endswith(TOO_LITTLE_MEMORY))
+            self.assertTrue(expected.removesuffix(CLOSING_LINE).startswith(report), "not the beginning of the report")
+        elif report.endswith(EVENTS_DO_NOT_FIT):
+            self.assertEqual(outcome.status, 0)
+        else:
+            self.assert_large_success(outcome)
+            self.assertTrue(report == expected, "not the complete report")
 
 
 @unittest.skipIf(available_megabytes() < 6000, "needs 6 GB of memory")
