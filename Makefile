@@ -49,13 +49,23 @@ test:
 	$(need) build test cookbook figures
 	$(call run_tests,release)
 
+# Builds only the program with the preset $(1).
+define build_program
+	$(call configure,$(1),OFF)
+	@cmake --build --preset $(1) --target vorlan >&2
+endef
+
 test-slow:
-	$(need) build test
+	$(need) build test clang
 	$(call configure,release,ON)
 	$(call build,release)
+	@ctest --preset release-slow
+	$(call build_program,clang)
+	$(call build_program,portable)
+	$(call build_program,unoptimised)
+	@tests/determinism/compare_builds.py $(foreach preset,release clang portable unoptimised,build/$(preset)/vorlan)
 	$(call configure,asan,ON)
 	$(call build,asan)
-	@ctest --preset release-slow
 	@ctest --preset asan-slow
 
 test-asan:

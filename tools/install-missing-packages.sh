@@ -20,7 +20,8 @@ groff groff-base
 man man-db
 mandoc mandoc
 /usr/share/bash-completion/bash_completion bash-completion
-zsh zsh' ;;
+zsh zsh
+/usr/share/i18n/locales/de_DE locales' ;;
     deb) echo 'dpkg-buildpackage dpkg-dev
 fakeroot fakeroot
 dh debhelper

@@ -4,6 +4,10 @@
 
 from __future__ import annotations
 
+import shutil
+import subprocess
+import tempfile
+
 from program_run import ENVIRONMENT, ProgramTest
 
 # Bytes from 128 up are letters in other locales; fractions would show another decimal sign.
@@ -39,6 +43,28 @@ class Surroundings(ProgramTest):
         names = ["C", "POSIX", "C.UTF-8", "de_DE.UTF-8", "de_DE@euro", "tr_TR.UTF-8", "tr_TR.ISO-8859-9", "ja_JP.SJIS",
                  "en_US.ISO-8859-1", "nonsense", ""]
         self.check(*({variable: name} for name in names for variable in ("LC_ALL", "LANG")))
+
+    def test_locales_with_other_decimal_signs_and_letters_do_not_matter(self) -> None:
+        folder = self.compiled_locales(("de_DE", "UTF-8"), ("tr_TR", "UTF-8"), ("de_DE", "ISO-8859-1"))
+        names = ("de_DE.UTF-8", "tr_TR.UTF-8", "de_DE.ISO-8859-1")
+        for name in names:
+            shown = subprocess.run(["locale", "-k", "decimal_point"], capture_output=True, check=True,
+                                   env=ENVIRONMENT | {"LC_ALL": name, "LOCPATH": folder})
+            self.assertEqual(shown.stdout, b'decimal_point=","\n', "the locale is not in use")
+        self.check(*({"LC_ALL": name, "LANG": name, "LOCPATH": folder} for name in names))
+
+    def compiled_locales(self, *locales: tuple[str, str]) -> str:
+        """A folder with these locales, each a pair of its definition and a set of characters."""
+        if shutil.which("localedef") is None:
+            self.skipTest("localedef is not installed")
+        folder = tempfile.TemporaryDirectory(prefix="vorlan-locales-")
+        self.addCleanup(folder.cleanup)
+        for definition, characters in locales:
+            done = subprocess.run(["localedef", "-i", definition, "-f", characters,
+                                   f"{folder.name}/{definition}.{characters}"], capture_output=True, check=False)
+            if done.returncode != 0:
+                self.skipTest(f"{definition} cannot be compiled: {done.stderr!r}")
+        return folder.name
 
     def test_the_parts_of_the_locale_do_not_matter(self) -> None:
         self.check({"LC_ALL": "", "LC_NUMERIC": "de_DE.UTF-8", "LC_CTYPE": "tr_TR.UTF-8", "LANGUAGE": "de:tr"})
