@@ -73,4 +73,31 @@ std::string describe_first_difference(const std::vector<Repeat>& expected,
   return text.str();
 }
 
+std::string quoted(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string result = "\"";
+  for (const char letter : text) {
+    const auto byte = static_cast<unsigned char>(letter);
+    if (letter == '"' || letter == '\\') {
+      result += {'\\', letter};
+    } else if (byte >= ' ' && byte <= '~') {
+      result += letter;
+    } else {
+      // Closed and opened again: a digit behind it would count as one of its own.
+      result += {'\\', 'x', kDigits[byte / 16U], kDigits[byte % 16U], '"', '"'};
+    }
+  }
+  return result + '"';
+}
+
+std::string describe(const reference::FastaFile& file) {
+  std::string text;
+  for (const reference::FastaRecord& record : file.records) {
+    text += "header " + quoted(record.header) + " name " + quoted(record.name) + " description " +
+            quoted(record.description) + " residues " + quoted(record.residues) + "\n";
+  }
+  return text + (file.malformed ? "malformed at line " + std::to_string(file.malformed_line)
+                                : std::string("well formed"));
+}
+
 }  // namespace differential

@@ -5,43 +5,20 @@
 // whole text at once.
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <ostream>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "all_strings.h"
+#include "fasta_adapter.h"
 #include "fasta_by_rules.h"
-#include "input/cfile.h"
-#include "input/csequence_mol.h"
 #include "random.h"
-
-namespace reference {
-
-// Called by GoogleTest for its messages.
-void PrintTo(const FastaFile& file, std::ostream* out) {
-  for (const FastaRecord& record : file.records) {
-    *out << "header " << testing::PrintToString(record.header) << " name "
-         << testing::PrintToString(record.name) << " description "
-         << testing::PrintToString(record.description) << " residues "
-         << testing::PrintToString(record.residues) << "\n";
-  }
-  *out << (file.malformed ? "malformed at line " + std::to_string(file.malformed_line)
-                          : std::string("well formed"));
-}
-
-}  // namespace reference
 
 namespace differential {
 namespace {
-
-using reference::FastaFile;
 
 #ifdef VORLAN_DIFFERENTIAL_REDUCED
 constexpr std::size_t kLess = 1;
@@ -51,66 +28,15 @@ constexpr std::size_t kLess = 0;
 constexpr std::uint64_t kRandomTexts = 20000;
 #endif
 
-// The texts stand in a file in memory, which exists as long as the test.
 class FastaReader : public testing::Test {
  protected:
-  FastaReader() : descriptor_(memfd_create("fasta", 0)) {
-    if (descriptor_ < 0) throw std::runtime_error("no file in memory");
-    name_ = "/proc/self/fd/" + std::to_string(descriptor_);
-  }
-  ~FastaReader() override { close(descriptor_); }
-
-  // What the product reads from a file of these bytes.
-  FastaFile read(std::string_view bytes) {
-    write(bytes);
-    file_.open(name_.c_str());
-    FastaFile result = read_records();
-    file_.close();
-    return result;
-  }
-
   testing::AssertionResult reads_by_the_rules(std::string_view bytes) {
-    const FastaFile expected = reference::read_fasta_by_rules(bytes);
-    const FastaFile found = read(bytes);
-    if (found == expected) return testing::AssertionSuccess();
-    // Of a long text the end is enough.
-    constexpr std::size_t kShown = 2000;
-    const std::string shown(bytes.substr(bytes.size() - std::min(bytes.size(), kShown)));
-    return testing::AssertionFailure()
-           << testing::PrintToString(shown) << "\nexpected " << testing::PrintToString(expected)
-           << "\nfound " << testing::PrintToString(found);
+    const std::optional<std::string> found = difference(product_, bytes);
+    return found ? testing::AssertionFailure() << *found : testing::AssertionSuccess();
   }
 
  private:
-  void write(std::string_view bytes) {
-    const auto size = static_cast<ssize_t>(bytes.size());
-    if (ftruncate(descriptor_, size) != 0 ||
-        pwrite(descriptor_, bytes.data(), bytes.size(), 0) != size) {
-      throw std::runtime_error("cannot write the file in memory");
-    }
-  }
-
-  // The loop of a run: until the end, or up to the first malformed record.
-  FastaFile read_records() {
-    FastaFile result;
-    vorlan::CSequence_Mol sequence(vorlan::CSequence_Mol::kDna, 1);
-    while (!file_.eof()) {
-      sequence.readFastaSequence(file_);
-      if (file_.fail() && !file_.eof()) {
-        result.malformed = true;
-        result.malformed_line = file_.line_number();
-        break;
-      }
-      result.records.push_back(
-          {std::string(sequence.header.view()), std::string(sequence.name.view()),
-           std::string(sequence.description.view()), std::string(sequence.residues.view())});
-    }
-    return result;
-  }
-
-  int descriptor_;
-  std::string name_;
-  vorlan::CFile file_;
+  ProductFastaReader product_;
 };
 
 TEST_F(FastaReader, reads_all_short_texts) {

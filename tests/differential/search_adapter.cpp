@@ -12,7 +12,6 @@
 
 #include "config/settings.h"
 #include "description.h"
-#include "search/csearchcontroller.h"
 
 namespace differential {
 namespace {
@@ -45,7 +44,7 @@ void copy_into_globals(const Settings& settings) {
   vorlan::CSearchController::reset_minimum_arrays();
 }
 
-Repeat converted(const vorlan::Csat& sat, const char* first_residue) {
+Repeat repeat_of(const vorlan::Csat& sat, const char* first_residue) {
   const auto offset = [first_residue](const char* position) {
     return static_cast<std::size_t>(position - first_residue);
   };
@@ -89,18 +88,18 @@ vorlan::CsatContainer& search(vorlan::CSearchController& controller, Mode mode) 
   return controller.imperfect_sats;
 }
 
-std::vector<Repeat> search_record(Mode mode, vorlan::CSequence_Mol& sequence) {
-  vorlan::CSearchController controller(1, sequence);
-  vorlan::CsatContainer& sats = search(controller, mode);
-  controller.remove_hidden(sats);
-  std::vector<Repeat> repeats;
-  for (const vorlan::Csat* sat : sats) repeats.push_back(converted(*sat, sequence.residues.buf));
-  return repeats;
-}
-
 void replace_residues(vorlan::CSequence_Mol& sequence, std::string_view residues) {
   sequence.residues.size = 0;
   for (const char residue : residues) sequence.residues.push_back(residue);
+}
+
+std::vector<Repeat> find_in(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings) {
+  std::vector<Repeat> repeats;
+  search_record(mode, sequence, settings,
+                [&](vorlan::CSearchController&, const vorlan::CsatContainer& sats) {
+                  repeats = converted(sats, sequence);
+                });
+  return repeats;
 }
 
 std::string explained(Mode mode, std::string_view residues, const Settings& settings, Buffer buffer,
@@ -113,6 +112,22 @@ std::string explained(Mode mode, std::string_view residues, const Settings& sett
 
 }  // namespace
 
+std::vector<Repeat> converted(const vorlan::CsatContainer& sats,
+                              const vorlan::CSequence_Mol& sequence) {
+  std::vector<Repeat> repeats;
+  for (const vorlan::Csat* sat : sats) repeats.push_back(repeat_of(*sat, sequence.residues.buf));
+  return repeats;
+}
+
+void search_record(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings,
+                   const Visit& visit) {
+  copy_into_globals(settings);
+  vorlan::CSearchController controller(1, sequence);
+  vorlan::CsatContainer& sats = search(controller, mode);
+  controller.remove_hidden(sats);
+  visit(controller, sats);
+}
+
 const char* name_of(Mode mode) {
   constexpr std::array kNames = {"exact", "extend-exact", "imperfect"};
   return kNames.at(static_cast<std::size_t>(mode));
@@ -122,15 +137,14 @@ ProductSearch::ProductSearch() : reused_(vorlan::CSequence_Mol::kDna, 1) {}
 
 std::vector<Repeat> ProductSearch::find(Mode mode, std::string_view residues,
                                         const Settings& settings, Buffer buffer) {
-  copy_into_globals(settings);
   if (buffer == Buffer::kReused) {
     replace_residues(reused_, residues);
-    return search_record(mode, reused_);
+    return find_in(mode, reused_, settings);
   }
   const auto size = static_cast<std::uint32_t>(std::max<std::size_t>(residues.size(), 1));
   vorlan::CSequence_Mol sequence(vorlan::CSequence_Mol::kDna, size);
   replace_residues(sequence, residues);
-  return search_record(mode, sequence);
+  return find_in(mode, sequence, settings);
 }
 
 std::vector<Repeat> find_plainly(Mode mode, std::string_view residues, const Settings& settings) {

@@ -10,6 +10,7 @@
 #define VORLAN_TESTS_DIFFERENTIAL_SEARCH_ADAPTER_H_
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@
 
 #include "input/csequence_mol.h"
 #include "plain_search.h"
+#include "search/csearchcontroller.h"
 
 namespace differential {
 
@@ -30,6 +32,20 @@ enum class Buffer {
   kExact,   // a buffer of exactly this size: a read behind the last residue is one too far
   kReused,  // the buffer of the records before: behind the last residue stand theirs
 };
+
+// Receives the controller of a record that has been searched, and the list that a report would be
+// made from.
+using Visit = std::function<void(vorlan::CSearchController&, vorlan::CsatContainer&)>;
+
+// The list with offsets in place of pointers.
+// REQUIRES: the repeats lie in the residues of the sequence.
+std::vector<reference::Repeat> converted(const vorlan::CsatContainer& sats,
+                                         const vorlan::CSequence_Mol& sequence);
+
+// Searches the sequence, removes hidden repeats and calls visit. Sets all search settings of the
+// process, and the others to their defaults.
+void search_record(Mode mode, vorlan::CSequence_Mol& sequence, const reference::Settings& settings,
+                   const Visit& visit);
 
 // The searches of the product. One object is like one run: it keeps a residue buffer, and the pool
 // of repeat records is that of the process.
