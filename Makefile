@@ -10,6 +10,7 @@
 #   make test-asan           the same under the sanitizers, with g++ and with clang++
 #   make test-clang          the same, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
+#   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
@@ -23,12 +24,14 @@ DESTDIR ?=
 DATA ?=
 BUILD_DIR ?= build/release
 DEB_DIR ?= build/deb
+SECONDS ?= 60
+TARGET ?=
 
 need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-slow test-asan test-clang test-portable bench figures lint install deb clean
+.PHONY: build run test test-slow test-asan test-clang test-portable fuzz bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -80,6 +83,12 @@ test-clang:
 test-portable:
 	$(need) build test cookbook figures
 	$(call run_tests,portable)
+
+fuzz:
+	$(need) build test clang
+	$(call configure,fuzz,ON)
+	$(call build,fuzz)
+	@tests/fuzz/run_fuzz.sh build/fuzz $(SECONDS) $(TARGET)
 
 bench:
 	$(need) build bench
