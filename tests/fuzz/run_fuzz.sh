@@ -7,8 +7,8 @@
 # an input that shows a fault to BUILD_DIR/fuzzing/faults/TARGET. The first fault ends the run with the
 # status of libFuzzer, which is not 0.
 #
-# run_fuzz.sh --keep BUILD_DIR [TARGET...]: makes the committed corpus anew: the smallest inputs that
-# cover what the committed and the new ones cover.
+# run_fuzz.sh --keep BUILD_DIR [TARGET...]: adds to the committed corpus the smallest of the new inputs
+# that reach code which it does not reach.
 set -eu
 here=$(dirname "$0")
 
@@ -39,12 +39,7 @@ fuzz() {
 # Only which code was reached counts here, not how often: tens of files instead of hundreds.
 keep() {
   target=$1
-  kept=$fuzzing/kept-$target
-  rm -rf "$kept"
-  mkdir -p "$kept" "$fuzzing/$target"
-  "$build/tests/fuzz/$target" -merge=1 -use_counters=0 "$kept" "$here/corpus/$target" "$fuzzing/$target"
-  rm -rf "$here/corpus/$target"
-  mv "$kept" "$here/corpus/$target"
+  "$build/tests/fuzz/$target" -merge=1 -use_counters=0 "$here/corpus/$target" "$fuzzing/$target"
 }
 
 command=fuzz
