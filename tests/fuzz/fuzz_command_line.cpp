@@ -39,7 +39,7 @@ namespace {
 
 using vorlan::CommandLineOptions;
 
-// ---- The library's state ---------------------------------------------------------------------
+// ---- The library's state ----------------------------------------------------
 
 // The library notes "--" for the rest of the process, which usually parses once, and keeps the note
 // to itself. Arguments of explicit instantiations are not subject to access rules.
@@ -50,7 +50,7 @@ struct NoteOfIgnoredRest {
 };
 template struct NoteOfIgnoredRest<&TCLAP::Arg::ignoreRestRef>;
 
-// ---- Standard streams --------------------------------------------------------------------------
+// ---- Standard streams -------------------------------------------------------
 
 // Takes what is written to the C stream of standard error, a variable that may be set, and what the
 // library writes to the C++ streams.
@@ -78,8 +78,7 @@ class CapturedConsole {
   std::streambuf* kept_cout_;
 };
 
-// ---- Arguments
-// -----------------------------------------------------------------------------------
+// ---- Arguments --------------------------------------------------------------
 
 // All names of options as the library knows them, with help, version and "--", and likely values.
 std::vector<std::string> likely_words() {
@@ -115,7 +114,7 @@ std::vector<std::string> arguments_from(std::string_view bytes) {
   return arguments;
 }
 
-// ---- Expected results --------------------------------------------------------------------------
+// ---- Expected results -------------------------------------------------------
 
 constexpr int kNothingWrong = 0;
 constexpr int kDoesNotFit = -1;
@@ -183,8 +182,7 @@ std::optional<int> exit_status_of_library(const std::vector<const char*>& argume
   return std::nullopt;
 }
 
-// ---- Promises
-// ------------------------------------------------------------------------------------
+// ---- Promises ---------------------------------------------------------------
 
 bool is_between(int low, int value, int high) { return low <= value && value <= high; }
 

@@ -36,8 +36,7 @@ std::string text_of(const char* format, Values... values) {
   return text;
 }
 
-// ---- Which repeats are reported
-// ------------------------------------------------------------------
+// ---- Which repeats are reported ---------------------------------------------
 
 // Each operation in single precision.
 float percentage(long part, long whole) {
@@ -67,8 +66,7 @@ bool is_reported(const Repeat& repeat, const ReportedRecord& record) {
          unit_form(repeat, record).primitive;
 }
 
-// ---- Reading
-// -------------------------------------------------------------------------------------
+// ---- Reading ----------------------------------------------------------------
 
 // Takes a text apart from its begin.
 class Lines {
@@ -117,12 +115,14 @@ AlignmentLines without_flanks(AlignmentLines lines, const Flanks& flanks, bool h
   require(lines[0].size() == lines[1].size() && lines[0].size() == lines[2].size(),
           "alignment lines of different lengths");
   if (!has_flanks) return lines;
-  const std::size_t before = flanks.left.size() + 1;
-  const std::size_t behind = flanks.right.size() + 1;
+  const std::string left_end = std::string(flanks.left).append(":");
+  const std::string right_end = std::string(":").append(flanks.right);
+  const std::size_t before = left_end.size();
+  const std::size_t behind = right_end.size();
   require(lines[0].size() > before + behind, "an alignment of nothing but flanks");
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const std::string left(i == 0 ? std::string(flanks.left) + ":" : std::string(before, ' '));
-    const std::string right(i == 0 ? ":" + std::string(flanks.right) : std::string(behind, ' '));
+    const std::string left = i == 0 ? left_end : std::string(before, ' ');
+    const std::string right = i == 0 ? right_end : std::string(behind, ' ');
     require(lines[i].substr(0, before) == left, "left flank is not " + left);
     require(lines[i].substr(lines[i].size() - behind) == right, "right flank is not " + right);
     lines[i] = lines[i].substr(before, lines[i].size() - before - behind);
@@ -197,8 +197,7 @@ void check_against_list(const ReportEntry& entry, const Repeat& repeat) {
   require(same, "the alignment is not that of " + differential::describe(repeat));
 }
 
-// ---- Writing
-// -------------------------------------------------------------------------------------
+// ---- Writing ----------------------------------------------------------------
 
 std::string label(long unit_length, bool padded) {
   constexpr std::array kNames = {"mono", "di", "tri", "tetra", "penta", "hexa"};
@@ -259,19 +258,24 @@ std::string table_line(const ReportEntry& entry, const ReportedRecord& record) {
   line += record.settings.treat_Ns_as_missense ? "\t." : text_of("\t%ld", entry.num_Ns);
   line += "\t" + entry.unit + "\t" + bases_of(entry, record);
   if (record.flanking != 0) {
-    line += "\t" + std::string(flanks.left) + "\t" + std::string(flanks.right);
+    line.append("\t").append(flanks.left).append("\t").append(flanks.right);
   }
   return line + "\n";
 }
 
 std::string fasta_lines(const ReportEntry& entry, const ReportedRecord& record) {
   const Flanks flanks = flanks_of(entry.start, entry.end, record);
-  return ">" + name_of(record) +
-         text_of(" %zu %ld %ld %ld %ld %.3f %ld %.3f %ld %ld %ld\n", flanks.left.size() + 1,
-                 entry.end - entry.start + 1, entry.unit_length, entry.start, entry.end,
-                 repeat_number(entry), entry.score, percent(entry), entry.mismatches,
-                 entry.insertions, entry.deletions) +
-         std::string(flanks.left) + bases_of(entry, record) + std::string(flanks.right) + "\n";
+  const std::string numbers = text_of(
+      " %zu %ld %ld %ld %ld %.3f %ld %.3f %ld %ld %ld\n", flanks.left.size() + 1,
+      entry.end - entry.start + 1, entry.unit_length, entry.start, entry.end, repeat_number(entry),
+      entry.score, percent(entry), entry.mismatches, entry.insertions, entry.deletions);
+  std::string lines = ">";
+  lines.append(name_of(record))
+      .append(numbers)
+      .append(flanks.left)
+      .append(bases_of(entry, record))
+      .append(flanks.right);
+  return lines + "\n";
 }
 
 std::string old_line(const ReportEntry& entry) {
