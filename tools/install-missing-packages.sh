@@ -16,6 +16,7 @@ ninja ninja-build
     test) echo '/usr/include/gtest/gtest.h libgtest-dev
 /usr/include/gmock/gmock.h libgmock-dev
 python3 python3
+readelf binutils
 groff groff-base
 man man-db
 mandoc mandoc
