@@ -45,7 +45,9 @@ if(VORLAN_HARDENING)
   endif()
   target_link_options(vorlan_compile_options INTERFACE
     LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
-  # Of all code that is linked, also of the tests and what they compare with.
-  add_compile_options(-fPIE)
-  add_link_options(-pie)
+  # Programs that can be loaded anywhere: needs all code that is linked, also what the tests compare
+  # with.
+  set(target_type $<TARGET_PROPERTY:TYPE>)
+  add_compile_options($<$<NOT:$<STREQUAL:${target_type},SHARED_LIBRARY>>:-fPIE>)
+  add_link_options($<$<STREQUAL:${target_type},EXECUTABLE>:-pie>)
 endif()
