@@ -37,6 +37,8 @@ parallel parallel
 primer3_core primer3
 python3 python3' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
+    test-slow) echo 'valgrind valgrind' ;;
+    coverage) echo 'gcovr gcovr' ;;
     clang) echo 'clang++ clang
 /usr/share/doc/libclang-rt-dev libclang-rt-dev' ;;
     bench) echo '/usr/include/benchmark/benchmark.h libbenchmark-dev
