@@ -27,7 +27,7 @@ constexpr int kLongestFilteredUnit = 256;
 /// all paths, so a path is dead after about half a unit length on top of what its first edits
 /// allow.
 int horizon_of(int unit_length) { return 16 + unit_length; }
-int horizon_of_glance(int unit_length) { return 6 + unit_length / 2; }
+int horizon_of_glance(int unit_length) { return 6 + unit_length; }
 
 /// An extension of a short unit costs little more than a step of the filter; one of a long unit so
 /// much that the filter is never too dear.
@@ -45,7 +45,7 @@ constexpr int kMaxGain = 8;
 /// A glance asks for little: some starts may stay in doubt, and those that gain a little forward
 /// are in doubt anyway, so that looking backward is cheap.
 constexpr int kFirstCheckOfGlance = 4;
-constexpr int kFewDoubts = kFilterStarts / 16;
+constexpr int kFewDoubts = kFilterStarts / 32;
 constexpr int kMaxGainOfGlance = 3;
 
 /// With fewer starts the doubts would not fill the lanes of one close look.
