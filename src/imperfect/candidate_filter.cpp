@@ -51,7 +51,7 @@ constexpr int kMaxGainOfGlance = 3;
 /// With fewer starts the doubts would not fill the lanes of one close look.
 constexpr std::ptrdiff_t kFewestStartsForGlances = 3 * kFilterStarts;
 
-/// Less starts of a short unit than this are extended sooner than looked at.
+/// Fewer starts of a short unit are extended sooner than looked at.
 constexpr std::size_t kFewestToLookAt = 8;
 
 constexpr std::size_t kLanes = kFilterStarts;
@@ -131,9 +131,11 @@ void CandidateFilter::allocate() {
   buffers_.cells = buffers_.shifted + shifted;
   buffers_.mismatches = buffers_.cells + cells;
   buffers_.leaving = buffers_.mismatches + row;
-  buffers_.forward_gains = buffers_.leaving + 3 * row;
+  Lanes* const nothing = buffers_.leaving + 2 * row;
+  std::fill_n(nothing, row, Lanes{});
+  buffers_.nothing = nothing;
+  buffers_.forward_gains = nothing + row;
   buffers_.backward_gains = buffers_.forward_gains + forward_gains;
-  std::fill_n(buffers_.leaving, row, Lanes{});
 }
 
 void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
@@ -155,9 +157,8 @@ std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
   std::copy_n(doubts_.begin(), count, survivors_.begin());
   std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());
   doubt_count_ -= count;
-  if (close_look_.unit_length <= kShortUnit && count < kFewestToLookAt)
-    return {survivors_.data(), count};
-  return {survivors_.data(), keep_survivors(count)};
+  const bool is_worth_it = close_look_.unit_length > kShortUnit || count >= kFewestToLookAt;
+  return {survivors_.data(), is_worth_it ? keep_survivors(count) : count};
 }
 
 std::size_t CandidateFilter::keep_survivors(std::size_t count) {

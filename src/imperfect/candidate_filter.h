@@ -47,7 +47,7 @@ class CandidateFilter {
   std::ptrdiff_t first_doubt() const { return doubts_[0]; }
 
   /// Looks closely at the first kFilterStarts starts in doubt, or all when there are fewer. Returns
-  /// those that survive, in order, until the next call.
+  /// those that survive, in order; valid until the next call. Requires that some are in doubt.
   std::span<const std::ptrdiff_t> look_closely();
 
  private:
@@ -56,6 +56,7 @@ class CandidateFilter {
   };
 
   void allocate();
+  /// Keeps of the first `count` starts in `survivors_` those that survive; returns how many.
   std::size_t keep_survivors(std::size_t count);
 
   BitPlanes::Words planes_;

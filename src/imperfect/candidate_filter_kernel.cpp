@@ -25,8 +25,8 @@ struct Automaton {
 
   /// Diagonal 0 of the row of cells with so many edits.
   Lanes* row(int edits) const { return buffers.cells + edits * row_size() + middle(); }
-  /// Diagonal 0 of one of the three rows of leaving paths.
-  Lanes* leaving(int which) const { return buffers.leaving + which * row_size() + middle(); }
+  /// Diagonal 0 of the row of paths that leave a row of cells; every other row has the same one.
+  Lanes* leaving(int edits) const { return buffers.leaving + edits % 2 * row_size() + middle(); }
 };
 
 // The bits of a plane from `position` on.
@@ -208,7 +208,7 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
     const int last_row = smaller(to_spend < 0 ? 0 : to_spend / plan.penalty, plan.max_edits);
     while (highest_row < last_row) clear_row(automaton, ++highest_row);
     set_mismatches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
-    const Lanes* from = automaton.leaving(0);
+    const Lanes* from = automaton.buffers.nothing + automaton.middle();
     int from_last = -lowest_row - 2;
     lanes = Lanes{};
     for (int edits = lowest_row; edits <= highest_row; ++edits) {
@@ -216,7 +216,7 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
       const int spare = to_spend - plan.penalty * (edits + 1);
       const int to_last =
           spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
-      Lanes* to = automaton.leaving(1 + edits % 2);
+      Lanes* to = automaton.leaving(edits);
       lanes |= step_row(automaton, j, edits, from_last, to_last, from, to);
       if (edits == lowest_row && is_empty(lanes)) ++lowest_row;
       from = to;

@@ -76,7 +76,8 @@ struct FilterBuffers {
   Lanes* shifted;         ///< Three planes for each of the offsets from -horizon on.
   Lanes* cells;           ///< max_edits + 1 rows.
   Lanes* mismatches;      ///< One row.
-  Lanes* leaving;         ///< Three rows, of which the first stays empty.
+  Lanes* leaving;         ///< Two rows.
+  const Lanes* nothing;   ///< A row that stays empty.
   Lanes* forward_gains;   ///< Starts that gain at least i, for i up to max_gain.
   Lanes* backward_gains;  ///< For i up to min_score or horizon.
 };

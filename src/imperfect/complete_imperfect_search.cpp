@@ -112,8 +112,7 @@ class StartQueue {
 
   bool is_first_judged() const {
     return !blocks_.empty() &&
-           (filter_.doubts() == 0 ? blocks_.size() == kMostBlocks || next_ >= end_of_starts_
-                                  : filter_.first_doubt() >= blocks_.front().end());
+           (filter_.doubts() == 0 || filter_.first_doubt() >= blocks_.front().end());
   }
 
   StartBlock& block_of(std::ptrdiff_t start) {
