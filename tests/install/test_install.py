@@ -27,7 +27,8 @@ FILES = {
     "share/bash-completion/completions/vorlan": "completions/vorlan.bash",
     "share/zsh/site-functions/_vorlan": "completions/_vorlan",
     **{f"{DOCUMENTS}/{path.relative_to(ROOT)}": str(path.relative_to(ROOT))
-       for path in sorted((ROOT / "examples").rglob("*")) if path.is_file()},
+       for path in sorted([*(ROOT / "examples").rglob("*"), *(ROOT / "docs").rglob("*.md"),
+                           *(ROOT / "docs").rglob("*.svg")]) if path.is_file()},
 }
 GOLDEN = sorted(str(path.parent) for path in (ROOT / "tests/golden").glob("*/cmd"))
 
