@@ -11,6 +11,8 @@
 #   make test-clang          the same, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
+#   make coverage            which lines and branches of the product the tests reach
+#   make mutants             plant small faults, one at a time: which test notices each? Takes long
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
@@ -31,7 +33,7 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-slow test-asan test-clang test-portable fuzz bench figures lint install deb clean
+.PHONY: build run test test-slow test-asan test-clang test-portable fuzz coverage mutants bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -89,6 +91,19 @@ fuzz:
 	$(call configure,fuzz,ON)
 	$(call build,fuzz)
 	@tests/fuzz/run_fuzz.sh build/fuzz $(SECONDS) $(TARGET)
+
+# Two modules of tests are left out: in them the program may not write files, hence no counters either.
+coverage:
+	$(need) build test coverage
+	$(call configure,coverage,ON)
+	$(call build,coverage)
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage
+	@tools/coverage.sh build/coverage
+
+mutants:
+	$(need) build test
+	@tests/mutation/run_mutants.py --write tests/mutation/results.md
 
 bench:
 	$(need) build bench

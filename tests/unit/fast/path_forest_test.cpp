@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "extension_settings.h"
+#include "imperfect/unit_paths.h"
 #include "random.h"
 
 namespace vorlan {
@@ -275,6 +276,20 @@ TEST(PathForest, KnowsNothingAfterItWasCleared) {
   const NodeId first = add_even_way(forest, 10, 1);
   EXPECT_EQ(forest.find(0, 0), first);
   EXPECT_EQ(forest.follow(first, {0, 0, 0, 0, 0}, 0, 0).totals, (PathTotals{10, 10, 0, 0, 0}));
+}
+
+// The first unit of all is phase 0 from its smallest base on; the second would begin at 2.
+TEST(UnitPaths, KnowNothingOfEitherDirectionAfterTheyWereForgotten) {
+  UnitPaths paths("", AlignmentSettings());
+  EXPECT_EQ(paths.phases().of("AC").phase(0), 0U);
+  paths.forest(Forward{}).add_root(5, 0, false);
+  paths.forest(Backward{}).add_root(7, 1, false);
+  EXPECT_EQ(paths.stored_nodes(), 2U);
+  paths.forget();
+  EXPECT_EQ(paths.stored_nodes(), 0U);
+  EXPECT_EQ(paths.forest(Forward{}).find(5, 0), kNoNode);
+  EXPECT_EQ(paths.forest(Backward{}).find(7, 1), kNoNode);
+  EXPECT_EQ(paths.phases().of("GT").phase(0), 0U);
 }
 
 TEST(NodeTable, FindsNothingWhileItIsEmpty) {

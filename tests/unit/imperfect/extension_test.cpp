@@ -22,12 +22,16 @@ class Seed {
     sat.init(dna.at(left), dna.at(right));
   }
 
-  Seed& forward() {
-    controller_.extend_imperfect_forward(sat, dna.end());
+  Seed& forward() { return forward_to(static_cast<std::ptrdiff_t>(dna.residues.size)); }
+  Seed& backward() { return backward_to(0); }
+
+  /// As if the sequence ended, or began, at this offset.
+  Seed& forward_to(std::ptrdiff_t stop) {
+    controller_.extend_imperfect_forward(sat, dna.at(stop));
     return *this;
   }
-  Seed& backward() {
-    controller_.extend_imperfect_backward(sat, dna.at(0));
+  Seed& backward_to(std::ptrdiff_t stop) {
+    controller_.extend_imperfect_backward(sat, dna.at(stop));
     return *this;
   }
 
@@ -68,6 +72,36 @@ TEST_F(Extension, APerfectContinuationIsTakenWithoutAnyEvent) {
   EXPECT_EQ(left.sat.score, 5);
   EXPECT_EQ(left.sat.unit_cursor_bwd, left.dna.at(5));
   EXPECT_EQ(left.sat.missense.capacity, 0U);
+}
+
+TEST_F(Extension, AMatchAtANearerStopIsNotTaken) {
+  Seed right("ACACACACAC", 0, 2);
+  right.forward_to(7);
+  EXPECT_EQ(right.span(), (Span{0, 7, 0, 2}));
+  EXPECT_EQ(right.sat.score, 5);
+  EXPECT_EQ(right.sat.unit_cursor_fwd, right.dna.at(1));
+
+  Seed left("ACACACACAC", 8, 10);
+  left.backward_to(3);
+  EXPECT_EQ(left.span(), (Span{3, 10, 8, 2}));
+  EXPECT_EQ(left.sat.score, 5);
+  EXPECT_EQ(left.sat.unit_cursor_bwd, left.dna.at(8));
+}
+
+// Score 6 before the mismatch; one base short of the end it is 6 - 5 + 4 = 5, so the mismatch does
+// not pay.
+TEST_F(Extension, WhatLiesBehindANearerStopDoesNotCount) {
+  Seed right("ACACACACGCACAC", 0, 2);
+  right.forward_to(13);
+  EXPECT_EQ(right.span(), (Span{0, 8, 0, 2}));
+  EXPECT_EQ(right.sat.score, 6);
+  EXPECT_EQ(right.events(), "");
+
+  Seed left("CACACGCACACACA", 12, 14);
+  left.backward_to(1);
+  EXPECT_EQ(left.span(), (Span{6, 14, 12, 2}));
+  EXPECT_EQ(left.sat.score, 6);
+  EXPECT_EQ(left.events(), "");
 }
 
 // Score 6 before the mismatch, 6 - 5 + 5 = 6 at the end: equal.

@@ -239,6 +239,14 @@ TEST_F(Report, TheNamesOfLongRepeatTypesShareABuffer) {
   EXPECT_STREQ(name, "8-nucleotide");
 }
 
+// 100000 / 3 = 33333.333; single precision has steps of 1/256 there, and the nearest below is
+// 8533333 / 256 = 33333.33203.
+TEST_F(Report, TheNumberOfUnitsIsComputedInSinglePrecision) {
+  in_format(kFormatGff, kNoSequence);
+  Example example(repeated("ACG", 33334), 0, 100000, 0, 3);
+  EXPECT_THAT(example.entry(), HasSubstr(" unit_size 3 repeat_number 33333.332 perfection "));
+}
+
 // 73.333 % is 11 / 15 in single precision.
 TEST_F(Report, PerfectionBoundsAreInclusiveInEveryFormat) {
   DivergedRepeat example;
