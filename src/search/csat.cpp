@@ -95,17 +95,23 @@ CsatContainer::iterator CsatContainer::recycle(const_iterator position) {
   return erase(position);
 }
 
-SpareSat::~SpareSat() {
-  if (sat_ != nullptr) recycle_sat(sat_alloc, sat_);
-}
+SpareSat::~SpareSat() { sat_alloc.splice(sat_alloc.end(), spare_); }
 
 Csat& SpareSat::candidate(const char* left, const char* right) {
-  if (sat_ == nullptr) {
-    sat_ = new_sat(left, right);
+  if (spare_.empty()) {
+    std::list<Csat*> made(1);
+    made.front() = new_sat(left, right);
+    spare_.splice(spare_.end(), made);
   } else {
-    sat_->init(left, right);
+    spare_.front()->init(left, right);
   }
-  return *sat_;
+  return *spare_.front();
+}
+
+Csat* SpareSat::release() {
+  Csat* const sat = spare_.front();
+  spare_.clear();
+  return sat;
 }
 
 }  // namespace vorlan

@@ -143,11 +143,13 @@ class SpareSat {
   /// The spare record, initialised to one copy of the unit [left, right).
   Csat& candidate(const char* left, const char* right);
 
-  /// Hands the record over; there is no spare afterwards.
-  Csat* release() { return std::exchange(sat_, nullptr); }
+  /// Hands the record over; there is no spare afterwards. Requires that there is one.
+  Csat* release();
 
  private:
-  Csat* sat_ = nullptr;
+  /// The record, or nothing. A list, so that giving it back to the pool needs no memory: that also
+  /// happens while a scan is given up for want of it.
+  std::list<Csat*> spare_;
 };
 
 }  // namespace vorlan
