@@ -22,6 +22,7 @@
 #include "imperfect/extension.h"
 
 #include "search/csearchcontroller.h"
+#include "search/perfect_extension.h"
 
 namespace vorlan {
 namespace {
@@ -401,7 +402,7 @@ bool CSearchController::accept_extended(Csat& seed) {
 
 void CSearchController::restore_events(Csat& sat) {
   sat.init(sat.unit_begin, sat.unit_end);
-  if (extends_perfect_repeats_) extend_perfectly(sat);
+  if (extends_perfect_repeats_) PerfectExtension(seq_begin(), seq_end()).extend(sat);
   extend_imperfect_forward(sat, seq_end());
   extend_imperfect_backward(sat, seq_begin());
   sat.trim_Ns();

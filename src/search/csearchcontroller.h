@@ -97,7 +97,6 @@ class CSearchController {
   void find_perfect_repeats(const TakeRepeat& take);
   void find_perfect_repeats(unsigned unit_length, const BitPlanes& planes, CAnchorSeq& mask,
                             const TakeRepeat& take);
-  void extend_perfectly(Csat& sat) const;
   bool is_shown(const Csat& sat) const;
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
