@@ -25,14 +25,16 @@ constexpr int kLongestFilteredUnit = 256;
 
 /// How far to look at most. Random sequence loses about two points a residue even on the best of
 /// all paths, so a path is dead after about half a unit length on top of what its first edits
-/// allow.
-int horizon_of(int unit_length) { return 16 + unit_length; }
+/// allow. With full lanes it pays to look further, for sequence that is poor in some bases.
 int horizon_of_glance(int unit_length) { return 6 + unit_length; }
+int horizon_of_short_sequence(int unit_length) { return 16 + unit_length; }
+int horizon_of_full_lanes(int unit_length) { return 32 + unit_length; }
 
-/// An extension of a short unit costs little more than a step of the filter; one of a long unit so
-/// much that the filter is never too dear.
+/// An extension of a short unit costs little more than a step of the filter with a few starts; one
+/// of a long unit so much that the filter is never too dear.
 constexpr int kShortUnit = 6;
 int patience_of(int unit_length) { return unit_length <= kShortUnit ? 1 : unit_length; }
+constexpr int kPatienceOfFullLanes = 8;
 
 /// Residues after which a path of random sequence is rarely alive (4^-10 without edits): counting
 /// before that costs more than it can save.
@@ -86,9 +88,17 @@ FilterPlan plan_of_glance(int unit_length, int min_score) {
   return plan;
 }
 
-FilterPlan plan_of_close_look(int unit_length, int min_score) {
-  FilterPlan plan = plan_of(unit_length, min_score, horizon_of(unit_length), kMaxGain);
+FilterPlan plan_of_short_sequence(int unit_length, int min_score) {
+  FilterPlan plan =
+      plan_of(unit_length, min_score, horizon_of_short_sequence(unit_length), kMaxGain);
   plan.first_check = kFirstCheck;
+  return plan;
+}
+
+FilterPlan plan_of_full_lanes(int unit_length, int min_score) {
+  FilterPlan plan = plan_of(unit_length, min_score, horizon_of_full_lanes(unit_length), kMaxGain);
+  plan.first_check = kFirstCheck;
+  plan.patience += kPatienceOfFullLanes;
   return plan;
 }
 
@@ -96,7 +106,7 @@ FilterPlan plan_of_close_look(int unit_length, int min_score) {
 
 std::size_t CandidateFilter::margin(unsigned unit_length) {
   const unsigned filtered = std::min<unsigned>(unit_length, kLongestFilteredUnit);
-  return filtered + 2 * static_cast<unsigned>(horizon_of(static_cast<int>(filtered))) +
+  return filtered + 2 * static_cast<unsigned>(horizon_of_full_lanes(static_cast<int>(filtered))) +
          StartBlock::kStarts + 2 * BitPlanes::kBitsPerWord;
 }
 
@@ -111,8 +121,10 @@ CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, 
       glances_(starts >= kFewestStartsForGlances),
       kernel_(kernel) {
   if (!can_judge_) return;
-  glance_ = plan_of_glance(static_cast<int>(unit_length), min_score);
-  close_look_ = plan_of_close_look(static_cast<int>(unit_length), min_score);
+  const int length = static_cast<int>(unit_length);
+  glance_ = plan_of_glance(length, min_score);
+  close_look_ =
+      glances_ ? plan_of_full_lanes(length, min_score) : plan_of_short_sequence(length, min_score);
   allocate();
 }
 

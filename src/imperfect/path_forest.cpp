@@ -47,6 +47,7 @@ NodeId PathForest::append(const PathNode& node, const Link& link, const Counts& 
   nodes_.push_back(node);
   links_.push_back(link);
   counts_.push_back(counts);
+  continuation_ids_.push_back(kNoContinuation);
   if (!node.is_terminal) ids_.insert(node.place, node.phase, id);
   return id;
 }
@@ -106,7 +107,8 @@ void PathForest::continue_root(NodeId root, Move move, NodeId continuation,
       to_add.jumped_roots += 2 * first->jumped_roots;
     }
   }
-  continuations_.insert_or_assign(root, to_add);
+  continuation_ids_[root] = static_cast<std::uint32_t>(continuations_.size());
+  continuations_.push_back(to_add);
 }
 
 PathForest::RootStretch PathForest::stretch_to_next_root(NodeId continuation,
@@ -131,8 +133,8 @@ void PathForest::append(RootStretch& stretch, const RootStretch& more) const {
 }
 
 const PathForest::Continuation* PathForest::continuation_of(NodeId root) const {
-  const auto found = continuations_.find(root);
-  return found == continuations_.end() ? nullptr : &found->second;
+  const std::uint32_t id = continuation_ids_[root];
+  return id == kNoContinuation ? nullptr : &continuations_[id];
 }
 
 NodeId PathForest::after(NodeId id) const {
@@ -205,6 +207,7 @@ void PathForest::clear() {
   nodes_.clear();
   counts_.clear();
   continuations_.clear();
+  continuation_ids_.clear();
   ids_.clear();
 }
 

@@ -26,7 +26,7 @@
 // a forest of their own, with jump pointers of the same kind.
 //
 // Limits: roots that get their continuations one after the other, each behind the end of the last
-// one, are passed one by one. Memory: about 120 bytes a node; a forest that has grown too large is
+// one, are passed one by one. Memory: about 124 bytes a node; a forest that has grown too large is
 // forgotten.
 
 #pragma once
@@ -34,7 +34,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <unordered_map>
 #include <vector>
 
 #include "imperfect/leap_ahead.h"
@@ -124,7 +123,7 @@ class PathForest {
   NodeId add(std::uint32_t place, std::uint32_t phase, Move move, NodeId next,
              const PathTotals& gain);
 
-  /// Tells how a root goes on.
+  /// Tells how a root goes on; once for each.
   void continue_root(NodeId root, Move move, NodeId continuation, const PathTotals& gain);
 
   /// Follows the way from `first`, where an extension has arrived with `totals`, until it ends or
@@ -180,6 +179,8 @@ class PathForest {
     PathTotals to_best;
   };
 
+  static constexpr std::uint32_t kNoContinuation = std::numeric_limits<std::uint32_t>::max();
+
   /// How a root goes on.
   struct Continuation {
     NodeId node;
@@ -205,7 +206,8 @@ class PathForest {
   std::vector<Link> links_;
   std::vector<PathNode> nodes_;
   std::vector<Counts> counts_;
-  std::unordered_map<NodeId, Continuation> continuations_;
+  std::vector<Continuation> continuations_;
+  std::vector<std::uint32_t> continuation_ids_;  ///< Of each node; only roots have one.
   NodeTable ids_;
 };
 
