@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "imperfect/alignment_settings.h"
 #include "search/csearchcontroller.h"
 #include "support/dna.h"
 #include "support/fresh_settings.h"
@@ -72,6 +73,18 @@ TEST_F(Extension, APerfectContinuationIsTakenWithoutAnyEvent) {
   EXPECT_EQ(left.sat.score, 5);
   EXPECT_EQ(left.sat.unit_cursor_bwd, left.dna.at(5));
   EXPECT_EQ(left.sat.missense.capacity, 0U);
+}
+
+// Levels have 8 bits: 255 is the largest that is ever reached, and after it they begin again at 0.
+TEST_F(Extension, ADepthThatLevelsCannotReachIsNone) {
+  const auto deepest_level = [](int depth) {
+    global_maximum_recursion_depth = depth;
+    return AlignmentSettings().deepest_level();
+  };
+  EXPECT_EQ(deepest_level(1), 1);
+  EXPECT_EQ(deepest_level(255), 255);
+  EXPECT_EQ(deepest_level(256), -1);
+  EXPECT_EQ(deepest_level(std::numeric_limits<int>::max()), -1);
 }
 
 TEST_F(Extension, AMatchAtANearerStopIsNotTaken) {
