@@ -15,10 +15,11 @@ gcovr --root . --filter src/ --exclude-throw-branches --exclude-unreachable-bran
   --json "$trace" "$build"
 gcovr --root . --add-tracefile "$trace" --exclude-throw-branches --html-details "$build/html/index.html"
 
-# summary FILTER: the figures of the files that match.
+# summary FILTER: the figures of the files that match. gcovr also wants a file to write to, which it
+# removes first: never a device.
 summary() {
   gcovr --root . --add-tracefile "$trace" --filter "$1" --exclude-throw-branches --print-summary \
-    --output /dev/null | sed -n 's/^\(lines\|branches\): \(.*\)/  \1 \2/p' | tr -d '\n'
+    --output "$build/summary.txt" | sed -n 's/^\(lines\|branches\): \(.*\)/  \1 \2/p' | tr -d '\n'
   echo
 }
 
