@@ -61,7 +61,7 @@ define build_program
 endef
 
 test-slow:
-	$(need) build test clang
+	$(need) build test test-slow cookbook figures deb clang
 	$(call configure,release,ON)
 	$(call build,release)
 	@ctest --preset release-slow

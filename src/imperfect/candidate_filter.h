@@ -68,7 +68,7 @@ class CandidateFilter {
   std::unique_ptr<std::byte[], FreeAligned> memory_;
   FilterBuffers buffers_{};
   /// Less than kFilterStarts when a block is added.
-  std::array<std::ptrdiff_t, 2 * kFilterStarts> doubts_;
+  std::array<std::ptrdiff_t, 2 * std::size_t{kFilterStarts}> doubts_;
   std::size_t doubt_count_ = 0;
   std::array<std::ptrdiff_t, kFilterStarts> survivors_;
 };
