@@ -37,8 +37,8 @@ print -r -- "$text"
 zpty -d shell
 """
 
-# As the function itself would hand it to zsh: one specification in each line.
-SPECIFICATIONS = 'fpath=("$1" $fpath); _arguments() { print -rl -- "$@" }; autoload -Uz _vorlan; _vorlan'
+# As the function itself would hand it to zsh: one entry in each line.
+ENTRIES = 'fpath=("$1" $fpath); _arguments() { print -rl -- "$@" }; autoload -Uz _vorlan; _vorlan'
 
 
 def zsh(script: str, *words: str, **settings: object) -> str:
@@ -68,11 +68,11 @@ class Loaded(unittest.TestCase):
         subprocess.run(["zsh", "-n", str(FOLDER / "_vorlan")], check=True, timeout=60)
 
     def test_the_function_is_loaded_and_specifies_every_option(self) -> None:
-        specifications = zsh(SPECIFICATIONS, str(FOLDER)).split("\n")
+        entries = zsh(ENTRIES, str(FOLDER)).split("\n")
         for option in option_texts.read_table()[1]:
             for name in option.spellings():
                 with self.subTest(option=name):
-                    found = [text for text in specifications if text.split("[")[0].split(")")[-1] == name]
+                    found = [text for text in entries if text.split("[")[0].split(")")[-1] == name]
                     self.assertEqual(len(found), 1)
                     self.assertIn(f"[{option.summary}]", found[0])
 
