@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "config/settings.h"
+#include "imperfect/series_filter.h"
 #include "plain_search.h"
 #include "search/csearchcontroller.h"
 
@@ -85,5 +86,8 @@ void CSearchController::complete_imperfect_search(std::FILE*) {
   take_over(reference::imperfect_search(residues.view(), settings_of_this_run()), residues.buf,
             imperfect_sats);
 }
+
+// The plain search judges no starts beforehand.
+void SeriesFilter::judge(const UnitLengthThresholds&) {}
 
 }  // namespace vorlan

@@ -20,6 +20,7 @@
 #include "driver/exit_status.h"
 #include "driver/masked_file.h"
 #include "driver/output_file.h"
+#include "driver/record_series.h"
 #include "driver/standard_streams.h"
 #include "input/cfile.h"
 #include "input/csequence_mol.h"
@@ -90,24 +91,58 @@ class Run {
     const auto first = static_cast<std::uint32_t>(global_sequence_from);
     const auto last = static_cast<std::uint32_t>(global_sequence_to);
     for (std::uint32_t number = 1; !input_.eof(); ++number) {
-      sequence_.readFastaSequence(input_);
-      if (input_.fail() && !input_.eof()) return false;
-      if (number >= first && number <= last) search_record(number);
+      const bool is_whole = take_record(number, number >= first && number <= last);
+      // No report waits for input, or for records that are not searched.
+      if (!is_whole || number == last || series_.is_full() || !input_.holds_record()) {
+        search_series();
+      }
+      if (!is_whole) return false;
     }
     return true;
   }
 
-  void search_record(std::uint32_t number) {
-    report_status(number, sequence_.name.terminate(), global_min_unit_length, 'r');
+  // Reads a record and, if it is selected, searches it; a short one waits for others. Returns false
+  // when it is malformed.
+  bool take_record(std::uint32_t number, bool is_selected) {
+    bool waits = false;
+    try {
+      sequence_.readFastaSequence(input_);
+      if (input_.fail() && !input_.eof()) return false;
+      waits = is_selected && RecordSeries::is_short(sequence_);
+      if (waits) series_.add(number, sequence_);
+    } catch (const std::bad_alloc&) {
+      search_series();  // those before it did fit
+      throw;
+    }
+    if (!is_selected || waits) return true;
+    search_series();
+    search_record(number, sequence_, nullptr);
+    return true;
+  }
+
+  void search_series() {
+    series_.judge();
+    for (std::size_t i = 0; i < series_.size(); ++i) {
+      RecordSeries::Record& record = series_[i];
+      const JudgedStarts judged = series_.judged_starts(record);
+      search_record(record.number, record.sequence, &judged);
+    }
+    series_.clear();
+  }
+
+  // `judged` is what is known of the starts of the record, or null.
+  void search_record(std::uint32_t number, CSequence_Mol& sequence, const JudgedStarts* judged) {
+    report_status(number, sequence.name.terminate(), global_min_unit_length, 'r');
     update_report_time();
-    CSearchController controller(number, sequence_, search_console());
+    CSearchController controller(number, sequence, search_console());
+    controller.use(judged);
     CsatContainer& sats = search(controller);
     controller.remove_hidden(sats);
     controller.report_SATList(report_->stream(), sats);
     report_->check();
     if (masked_) {
-      mask_repeats(sats, sequence_);
-      write_masked_record(masked_->stream(), sequence_);
+      mask_repeats(sats, sequence);
+      write_masked_record(masked_->stream(), sequence);
       masked_->check();
     }
   }
@@ -153,6 +188,7 @@ class Run {
   }
 
   CSequence_Mol sequence_{CSequence_Mol::kDna, kReservedResidues};
+  RecordSeries series_;
   CFile input_;
   std::optional<OutputFile> report_;
   std::optional<OutputFile> masked_;

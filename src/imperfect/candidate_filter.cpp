@@ -19,10 +19,6 @@ constexpr std::align_val_t kLanesAlignment{sizeof(Lanes)};
 
 static_assert(kFilterWords == StartBlock::kWords);
 
-/// Beyond this the tables of the filter outgrow the cache and then the memory that a search may
-/// use.
-constexpr int kLongestFilteredUnit = 256;
-
 /// How far to look at most. Random sequence loses about two points a residue even on the best of
 /// all paths, so a path is dead after about half a unit length on top of what its first edits
 /// allow. With full lanes it pays to look further, for sequence that is poor in some bases.
@@ -51,7 +47,7 @@ constexpr int kFewDoubts = kFilterStarts / 32;
 constexpr int kMaxGainOfGlance = 3;
 
 /// With fewer starts the doubts would not fill the lanes of one close look.
-constexpr std::ptrdiff_t kFewestStartsForGlances = 3 * kFilterStarts;
+constexpr std::ptrdiff_t kFewestStartsForGlances = 3 * std::ptrdiff_t{kFilterStarts};
 
 /// Fewer starts of a short unit are extended sooner than looked at.
 constexpr std::size_t kFewestToLookAt = 8;
@@ -105,7 +101,7 @@ FilterPlan plan_of_full_lanes(int unit_length, int min_score) {
 }  // namespace
 
 std::size_t CandidateFilter::margin(unsigned unit_length) {
-  const unsigned filtered = std::min<unsigned>(unit_length, kLongestFilteredUnit);
+  const unsigned filtered = std::min(unit_length, kLongestUnit);
   return filtered + 2 * static_cast<unsigned>(horizon_of_full_lanes(static_cast<int>(filtered))) +
          StartBlock::kStarts + 2 * BitPlanes::kBitsPerWord;
 }
@@ -117,7 +113,7 @@ void CandidateFilter::FreeAligned::operator()(std::byte* memory) const {
 CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
                                  std::ptrdiff_t starts, const FilterKernel& kernel)
     : planes_(planes.words()),
-      can_judge_(unit_length <= kLongestFilteredUnit && min_score > 0),
+      can_judge_(unit_length <= kLongestUnit && min_score > 0),
       glances_(starts >= kFewestStartsForGlances),
       kernel_(kernel) {
   if (!can_judge_) return;
@@ -125,7 +121,6 @@ CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, 
   glance_ = plan_of_glance(length, min_score);
   close_look_ =
       glances_ ? plan_of_full_lanes(length, min_score) : plan_of_short_sequence(length, min_score);
-  allocate();
 }
 
 // The close look needs more of everything than the glance.
@@ -152,6 +147,7 @@ void CandidateFilter::allocate() {
 
 void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   if (!can_judge_) return;
+  if (memory_ == nullptr) allocate();
   if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
   for (std::size_t i = 0; i < kFilterWords; ++i) {

@@ -27,6 +27,10 @@ const std::vector<FilterKernel>& runnable_filter_kernels();
 /// and then looked at closely. A sequence too short for that is looked at closely at once.
 class CandidateFilter {
  public:
+  /// Starts of longer units all survive: the tables would outgrow the cache and then the memory
+  /// that a search may use.
+  static constexpr unsigned kLongestUnit = 256;
+
   /// For units of `unit_length` bases that need `min_score`, with the penalties of the settings.
   /// `starts` is how many starts the sequence has, which matters only for speed. Requires that the
   /// planes have a margin of `margin(unit_length)` positions and outlive this.

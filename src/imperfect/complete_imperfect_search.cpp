@@ -10,7 +10,8 @@
 //
 // Which candidates are passed over, and why that is safe: those that the marks, an N or a unit of
 // one repeated base exclude by the rules, and those that the filter proves to be rejected
-// (candidate_filter_kernel.h). Since the latter leave no trace, the result is the same.
+// (candidate_filter_kernel.h; series_filter.h for short records). Since the latter leave no trace,
+// the result is the same.
 //
 // Example, unit length 2: ACACAGACACAC is found from its first position, with a mismatch at G. Its
 // span is closed except for G; starts at and right behind G may be tried again.
@@ -25,6 +26,7 @@
 #include "imperfect/candidate_filter.h"
 #include "imperfect/extension.h"
 #include "imperfect/mark_painter.h"
+#include "imperfect/series_filter.h"
 #include "search/bit_planes.h"
 #include "search/canchorseq.h"
 #include "search/csearchcontroller.h"
@@ -80,16 +82,18 @@ class CandidateTrial {
 };
 
 /// Blocks of starts in a row, of which the first one has been judged. The filter looks at the
-/// starts of several blocks together.
+/// starts of several blocks together, unless those of a short record have been judged before.
 class StartQueue {
  public:
+  /// `judged` may be null.
   StartQueue(const char* seq_begin, std::ptrdiff_t end_of_starts, unsigned unit_length,
-             const BitPlanes& planes, CandidateFilter& filter)
+             int min_score, const BitPlanes& planes, const JudgedStarts* judged)
       : seq_begin_(seq_begin),
         end_of_starts_(end_of_starts),
         unit_length_(unit_length),
         planes_(planes),
-        filter_(filter) {}
+        judged_(judged),
+        filter_(planes, unit_length, min_score, end_of_starts) {}
 
   /// The next block, ready to be collected; null when there is none.
   StartBlock* next(MarkPainter& painter, const CAnchorSeq& anchors) {
@@ -125,15 +129,20 @@ class StartQueue {
     painter.paint_until(seq_begin_ + std::min(next_ + StartBlock::kStarts, end_of_starts_) +
                         unit_length_);
     StartBlock& block = blocks_.emplace_back(next_, end_of_starts_, unit_length_, anchors, planes_);
-    if (block.has_survivors()) filter_.glance(block.first_word(), block.survivors());
     next_ = block.end();
+    if (judged_ != nullptr) {
+      block.set_survivors([this](auto start) { return judged_->survivors(unit_length_, start); });
+    } else if (block.has_survivors()) {
+      filter_.glance(block.first_word(), block.survivors());
+    }
   }
 
   const char* seq_begin_;
   std::ptrdiff_t end_of_starts_;
   unsigned unit_length_;
   const BitPlanes& planes_;
-  CandidateFilter& filter_;
+  const JudgedStarts* judged_;
+  CandidateFilter filter_;
   std::ptrdiff_t next_ = 0;
   std::deque<StartBlock> blocks_;
 };
@@ -157,13 +166,18 @@ void CSearchController::complete_imperfect_search(std::FILE*) {
 void CSearchController::one_unit_len_complete_imperfect_search(
     unsigned unit_len, const BitPlanes& planes, ExtensionContext& context, UnitPaths& paths,
     CAnchorSeq& anchors, std::list<Csat*>& results) {
+  UnitScan scan(seq_begin(), seq_end(), unit_len);
+  ScanProgress progress{unit_len};
+  const bool is_judged = judged_starts_ != nullptr && judged_starts_->know(unit_len);
+  if (is_judged && !judged_starts_->any_survives(unit_len, scan.starts())) {
+    report_progress(progress, scan.starts());
+    return;
+  }
   const int min_score = (*minScores)[unit_len];
   CandidateTrial trial(context, seq_end(), paths, unit_len, min_score, (*minLengths)[unit_len],
                        anchors);
-  UnitScan scan(seq_begin(), seq_end(), unit_len);
-  CandidateFilter filter(planes, unit_len, min_score, scan.starts());
-  StartQueue queue(seq_begin(), scan.starts(), unit_len, planes, filter);
-  ScanProgress progress{unit_len};
+  StartQueue queue(seq_begin(), scan.starts(), unit_len, min_score, planes,
+                   is_judged ? judged_starts_ : nullptr);
   while (StartBlock* block = queue.next(trial.painter(), anchors)) {
     report_progress(progress, block->end());
     block->collect(block->begin(), anchors);

@@ -3,6 +3,8 @@
 
 #include "input/cfile.h"
 
+#include <cstring>
+
 namespace vorlan {
 
 CFile::CFile()
@@ -54,6 +56,18 @@ void CFile::ungetchar() {
   }
   if (!fail() && read_pos[-1] == '\n') --line;
   --read_pos;
+}
+
+bool CFile::holds_record() const {
+  const char* from = read_pos;
+  while (from != buffer_end) {
+    const auto rest = static_cast<std::size_t>(buffer_end - from - 1);
+    const void* found = std::memchr(from + 1, '>', rest);
+    if (found == nullptr) return false;
+    from = static_cast<const char*>(found);
+    if (from[-1] == '\n' || from[-1] == '\r') return true;
+  }
+  return false;
 }
 
 char CFile::peekchar() {

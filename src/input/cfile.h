@@ -38,6 +38,10 @@ class CFile : public std::ifstream {
   /// The next character without consuming it.
   char peekchar();
 
+  /// Whether the record that begins with the next character can be read to its end, with the '>' of
+  /// another behind it, without waiting for more input. Cost: linear in the length of the record.
+  bool holds_record() const;
+
   bool eof() const { return (state & kEof) != 0; }
   bool good() const { return (state & kGood) != 0; }
   bool fail() const { return (state & kFail) != 0; }

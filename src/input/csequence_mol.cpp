@@ -64,6 +64,13 @@ void CSequence_Mol::readFastaSequence(CFile& file) {
   }
 }
 
+void CSequence_Mol::assign(const CSequence_Mol& other) {
+  header.assign(other.header.view());
+  name.assign(other.name.view());
+  description.assign(other.description.view());
+  residues.assign(other.residues.view());
+}
+
 // The first character that is neither white space nor part of a comment line.
 char CSequence_Mol::first_character_of_record(CFile& file) {
   const auto next_visible = [&file] {

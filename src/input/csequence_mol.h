@@ -36,6 +36,9 @@ class CSequence_Mol {
   /// Cost: one pass over the bytes.
   void readFastaSequence(CFile& file);
 
+  /// Copies header, name, description and residues; the buffers only grow. Throws std::bad_alloc.
+  void assign(const CSequence_Mol& other);
+
   faststring header;       ///< The header line without '>' and line end.
   faststring name;         ///< The header up to its first blank; tabs belong to the name.
   faststring description;  ///< The header after the name and the blanks that follow it.

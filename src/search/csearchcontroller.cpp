@@ -33,8 +33,8 @@ CSearchController::CSearchController(unsigned number, CSequence_Mol& molecule,
       imperfect_sats(sat_alloc),
       console_(console) {
   if (!minScores_user) {
-    minScores_user.emplace(global_min_score, global_min_score_a, global_min_score_bx);
-    minLengths_user.emplace(global_min_length, global_min_length_a, global_min_length_bx);
+    minScores_user = UnitLengthThresholds::of_scores();
+    minLengths_user = UnitLengthThresholds::of_lengths();
     minScores_intern = UnitLengthThresholds::at_least_unit_length(kSmallestSeedScore);
     minLengths_intern.emplace(0, 0, 0.0F);
   }

@@ -18,6 +18,7 @@ namespace vorlan {
 
 class BitPlanes;
 class CAnchorSeq;
+class JudgedStarts;
 class UnitPaths;
 struct ExtensionContext;
 
@@ -48,6 +49,10 @@ class CSearchController {
   /// Tries every position and unit length as a seed of an imperfect repeat. The accepted ones are
   /// in `imperfect_sats`, sorted. The stream is not used.
   void complete_imperfect_search(std::FILE* out);
+
+  /// Lets `complete_imperfect_search` use what a filter has found out about the starts of this
+  /// record, or null; it must outlive the search. Matters only for speed.
+  void use(const JudgedStarts* judged) { judged_starts_ = judged; }
 
   /// Thins a sorted list: of two repeats of which one is mostly hidden by the other, the one with
   /// the lower score goes, or the later one. Keeps all unless `global_remove_mostly_hidden`.
@@ -126,6 +131,7 @@ class CSearchController {
   bool accept_extended(Csat& seed);
 
   SearchConsole console_;
+  const JudgedStarts* judged_starts_ = nullptr;
   bool extends_perfect_repeats_ = false;                 ///< Rather than bare units.
   std::unique_ptr<Extender, ExtenderDeleter> extender_;  ///< Made when it is first needed.
 };

@@ -45,6 +45,19 @@ class StartBlock {
                        [](std::uint64_t word) { return word != 0; });
   }
 
+  /// Takes over what is known of all starts, whatever the marks: `survivors(start)` tells which of
+  /// the 64 starts from there on survive.
+  template <class Survivors>
+  void set_survivors(const Survivors& survivors) {
+    judged_.fill(~std::uint64_t{0});
+    for (std::size_t i = 0; i < kWords; ++i) {
+      const std::ptrdiff_t begin =
+          begin_ + static_cast<std::ptrdiff_t>(i) * BitPlanes::kBitsPerWord;
+      if (begin >= end_) break;
+      survivors_[i] = survivors(begin);
+    }
+  }
+
   /// Adds a start to the survivors.
   void keep(std::ptrdiff_t start) {
     const std::ptrdiff_t offset = start - begin_;

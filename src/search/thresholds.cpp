@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+#include "config/settings.h"
+
 namespace vorlan {
 namespace {
 
@@ -21,6 +23,14 @@ int saturated(float value) {
 }
 
 }  // namespace
+
+UnitLengthThresholds UnitLengthThresholds::of_scores() {
+  return {global_min_score, global_min_score_a, global_min_score_bx};
+}
+
+UnitLengthThresholds UnitLengthThresholds::of_lengths() {
+  return {global_min_length, global_min_length_a, global_min_length_bx};
+}
 
 UnitLengthThresholds UnitLengthThresholds::at_least_unit_length(int constant) {
   UnitLengthThresholds thresholds(constant, 0, 1.0F);

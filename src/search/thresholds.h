@@ -15,6 +15,10 @@ class UnitLengthThresholds {
   UnitLengthThresholds(int constant, int intercept, float slope)
       : constant_(constant), intercept_(intercept), slope_(slope) {}
 
+  /// The smallest scores and lengths of the settings.
+  static UnitLengthThresholds of_scores();
+  static UnitLengthThresholds of_lengths();
+
   /// max(constant, unit length), exact for every unit length.
   static UnitLengthThresholds at_least_unit_length(int constant);
 

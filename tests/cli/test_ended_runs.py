@@ -99,6 +99,23 @@ class MemoryThatEndsAnywhere(ProgramTest):
                     statuses.add(outcome.status)
             self.assertEqual(statuses, {0, 153})
 
+    @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
+    def test_a_record_that_fits_is_reported_though_the_next_one_does_not(self) -> None:
+        def run_within(limit: int, name: str) -> Outcome:
+            return self.run_program(name, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+
+        self.write("alone.fa", b">s\n" + RESIDUES + b"\n")
+        # Both are in the buffer of the input at once, so that the second is read before the first is searched.
+        self.write("both.fa", b">s\n" + RESIDUES + b"\n>" + 900 * KILOBYTE * b"h" + b"\n" + RESIDUES + b"\n>t\n")
+        enough = next(limit for limit in range(6 * MEGABYTE, 24 * MEGABYTE, 32 * KILOBYTE)
+                      if run_within(limit, "alone.fa").status == 0)
+        # The header is read into a buffer that doubles, and then copied.
+        ended = [run_within(enough + more * KILOBYTE, "both.fa") for more in range(300, 4000, 100)]
+        self.assertGreater([outcome.status for outcome in ended].count(153), 5)
+        self.assertEqual(ended[-1].status, 0)
+        for outcome in ended:
+            self.assertIn(block(b"s"), outcome.report)
+
     @unittest.skipIf(SANITIZED, "sanitizers bring allocation functions of their own")
     def test_every_single_allocation_may_fail_alone_or_with_all_behind_it(self) -> None:
         library = os.environ["VORLAN_FAILING_ALLOCATION_LIBRARY"]

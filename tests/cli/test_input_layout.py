@@ -12,23 +12,43 @@ from small_record import CLOSING_LINE, ENTRY, RECORD, RESIDUES, block, header, w
 # The input is read in stretches of this many bytes.
 READ_BYTES = 1_000_000
 SEED = 20
+UNITS = (b"A", b"AC", b"ACT", b"AAAC", b"ACGTTN", b"ACGGTCA")
 
 
 def wrapped(residues: bytes, width: int, line_end: bytes = b"\n") -> bytes:
     return b"".join(residues[at:at + width] + line_end for at in range(0, len(residues), width))
 
 
-class Layout(ProgramTest):
-    @classmethod
-    def setUpClass(cls) -> None:
-        source = random.Random(SEED)
-        cls.residues = bytes(source.choice(b"ACGT") for _ in range(700)) + b"ACG" * 40 + b"NN" + b"ACG" * 20
+def random_records(count: int) -> list[bytes]:
+    """Short records between longer ones, with arrays that often reach the end and go on in the next."""
+    source = random.Random(SEED)
+    records = []
+    for number in range(count):
+        length = source.choice([0, 1, 5, 30, 150, 150, 150, 700, 4095, 4096, 4097, 9000])
+        residues = bytearray(source.choice(b"ACGT") for _ in range(length))
+        at = source.randrange(length + 1)
+        residues[at:at + source.randrange(2 * length + 1)] = source.choice(UNITS) * source.randrange(20)
+        records.append(b">r%d\n%s\n" % (number, residues))
+    return records
 
+
+def parts_of_report(blocks: list[bytes]) -> list[bytes]:
+    return b"".join([*blocks, CLOSING_LINE]).split(b"\n>")
+
+
+class RunOnText(ProgramTest):
     def run_on(self, data: bytes, *arguments: str) -> Outcome:
         self.write("in.fa", data)
         outcome = self.run_program(*arguments, "in.fa")
         self.assert_success(outcome)
         return outcome
+
+
+class Layout(RunOnText):
+    @classmethod
+    def setUpClass(cls) -> None:
+        source = random.Random(SEED)
+        cls.residues = bytes(source.choice(b"ACGT") for _ in range(700)) + b"ACG" * 40 + b"NN" + b"ACG" * 20
 
     def two_records(self, width: int, line_end: bytes = b"\n") -> bytes:
         residues = wrapped(self.residues, width, line_end)
@@ -137,7 +157,7 @@ class LineEndsAtTheEdgeOfAReading(ProgramTest):
                 self.assertEqual(outcome.report, header(b"in.fa") + block(name) + CLOSING_LINE)
 
 
-class Sizes(ProgramTest):
+class Sizes(RunOnText):
     def test_a_header_of_a_megabyte_is_printed_whole_and_its_name_cut_in_the_progress_line(self) -> None:
         long_header = b"abcdefghij" * 52_429 + b" " + b"klmnopqrst" * 52_429
         self.write("in.fa", b">" + long_header + b"\n" + RESIDUES + b"\n")
@@ -168,6 +188,30 @@ class Sizes(ProgramTest):
         self.assertGreater(expected.report.count(b"\nMissense: "), 100)
         self.write("in.fa", b">s\n" + wrapped(residues, 60, b"\r\n"))
         self.assertEqual(self.run_program("-M", "exact", "-U", "3", "in.fa").report, expected.report)
+
+    def test_short_records_among_others_are_reported_and_masked_as_each_alone(self) -> None:
+        records = random_records(150)
+        alone, masked_alone = [], []
+        for data in records:
+            alone.append(without_header(self.run_on(data, "--maskX").report).removesuffix(CLOSING_LINE))
+            masked_alone.append(self.read("in.fa.masked"))
+        self.assertGreater(sum(text.count(b"\nMissense: ") for text in alone), 300)
+        together = self.run_on(b"".join(records), "--maskX")
+        # Compared as parts: the difference of two long texts takes minutes to show.
+        self.assertEqual(without_header(together.report).split(b"\n>"), parts_of_report(alone))
+        self.assertEqual(self.read("in.fa.masked"), b"".join(masked_alone))
+        some = self.run_on(b"".join(records), "--firstSeq", "20", "--lastSeq", "120")
+        self.assertEqual(without_header(some.report).split(b"\n>"), parts_of_report(alone[19:120]))
+        self.assertEqual([line.split()[-1] for line in some.progress()], [b"r%d" % number for number in range(19, 120)])
+
+    def test_a_malformed_record_among_short_ones_ends_the_run_behind_the_report_of_those_before_it(self) -> None:
+        # All are in the buffer of the input at once.
+        data = b"".join(b">r%d\n%s\n" % (number, RESIDUES) for number in range(40)) + b">bad\nAC\nAC1\n" + RECORD
+        self.write("in.fa", data)
+        outcome = self.run_program("in.fa")
+        self.assertEqual(outcome.status, 231)
+        self.assertIn(b"File position: line 83\n", outcome.console)
+        self.assertEqual(outcome.report, header(b"in.fa") + b"".join(block(b"r%d" % number) for number in range(40)))
 
     def test_fifty_thousand_tiny_records_are_reported_one_by_one(self) -> None:
         names = [b"r%d" % number for number in range(1, 50_001)]

@@ -12,6 +12,9 @@
 
 #include "config/settings.h"
 #include "description.h"
+#include "imperfect/series_filter.h"
+#include "random.h"
+#include "random_residues.h"
 
 namespace differential {
 namespace {
@@ -93,6 +96,33 @@ void replace_residues(vorlan::CSequence_Mol& sequence, std::string_view residues
   for (const char residue : residues) sequence.residues.push_back(residue);
 }
 
+// So many residues that a series with them is looked at twice, the first time at a glance.
+const std::string& background() {
+  static const std::string residues = [] {
+    Random random(1);
+    return random_residues(random, 1600, "ACGT");
+  }();
+  return residues;
+}
+
+// The neighbours are copies of the record, so that what stands at its ends goes on in them.
+std::vector<Repeat> find_in_series(vorlan::CSequence_Mol& sequence, const Settings& settings) {
+  copy_into_globals(settings);
+  const std::string_view residues = sequence.residues.view();
+  vorlan::SeriesFilter series;
+  series.append(residues);
+  const std::size_t offset = series.append(residues);
+  series.append(residues);
+  if (residues.size() % 2 == 0) series.append(background());
+  series.judge(vorlan::UnitLengthThresholds::of_scores());
+  const vorlan::JudgedStarts judged = series.record(offset);
+  vorlan::CSearchController controller(1, sequence);
+  controller.use(&judged);
+  controller.complete_imperfect_search(nullptr);
+  controller.remove_hidden(controller.imperfect_sats);
+  return converted(controller.imperfect_sats, sequence);
+}
+
 std::vector<Repeat> find_in(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings) {
   std::vector<Repeat> repeats;
   search_record(mode, sequence, settings,
@@ -104,9 +134,9 @@ std::vector<Repeat> find_in(Mode mode, vorlan::CSequence_Mol& sequence, const Se
 
 std::string explained(Mode mode, std::string_view residues, const Settings& settings, Buffer buffer,
                       const std::vector<Repeat>& expected, const std::vector<Repeat>& found) {
-  return std::string(name_of(mode)) + " search, " +
-         (buffer == Buffer::kExact ? "buffer of exact size" : "reused buffer") + "\n" +
-         describe(settings) + "\n" + std::to_string(residues.size()) +
+  constexpr std::array kNames = {"buffer of exact size", "reused buffer", "in a series"};
+  return std::string(name_of(mode)) + " search, " + kNames.at(static_cast<std::size_t>(buffer)) +
+         "\n" + describe(settings) + "\n" + std::to_string(residues.size()) +
          " residues: " + std::string(residues) + "\n" + describe_first_difference(expected, found);
 }
 
@@ -137,9 +167,10 @@ ProductSearch::ProductSearch() : reused_(vorlan::CSequence_Mol::kDna, 1) {}
 
 std::vector<Repeat> ProductSearch::find(Mode mode, std::string_view residues,
                                         const Settings& settings, Buffer buffer) {
-  if (buffer == Buffer::kReused) {
+  if (buffer != Buffer::kExact) {
     replace_residues(reused_, residues);
-    return find_in(mode, reused_, settings);
+    return buffer == Buffer::kSeries && mode == Mode::kImperfect ? find_in_series(reused_, settings)
+                                                                 : find_in(mode, reused_, settings);
   }
   const auto size = static_cast<std::uint32_t>(std::max<std::size_t>(residues.size(), 1));
   vorlan::CSequence_Mol sequence(vorlan::CSequence_Mol::kDna, size);
@@ -162,9 +193,9 @@ std::vector<Repeat> find_plainly(Mode mode, std::string_view residues, const Set
 std::optional<std::string> difference(ProductSearch& product, Mode mode, std::string_view residues,
                                       const Settings& settings) {
   const std::vector<Repeat> all = find_plainly(mode, residues, settings);
-  for (const Buffer buffer : {Buffer::kExact, Buffer::kReused}) {
+  for (const Buffer buffer : {Buffer::kExact, Buffer::kReused, Buffer::kSeries}) {
     Settings with_removal_set = settings;
-    with_removal_set.remove_mostly_hidden = buffer == Buffer::kReused;
+    with_removal_set.remove_mostly_hidden = buffer != Buffer::kExact;
     const std::vector<Repeat> expected = reference::without_hidden(all, with_removal_set);
     const std::vector<Repeat> found = product.find(mode, residues, with_removal_set, buffer);
     if (found != expected) {

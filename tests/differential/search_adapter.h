@@ -31,6 +31,7 @@ const char* name_of(Mode mode);
 enum class Buffer {
   kExact,   // a buffer of exactly this size: a read behind the last residue is one too far
   kReused,  // the buffer of the records before: behind the last residue stand theirs
+  kSeries,  // the same, and imperfect repeats are searched as in a record between others
 };
 
 // Receives the controller of a record that has been searched, and the list that a report would be
@@ -65,10 +66,10 @@ class ProductSearch {
 std::vector<reference::Repeat> find_plainly(Mode mode, std::string_view residues,
                                             const reference::Settings& settings);
 
-// Searches the residues in one mode, or in all, twice: without overlap removal in a buffer of exact
-// size, and with it in the reused buffer, whatever the settings say about overlap removal. Returns
-// what is different from the slow twin: mode, settings, residues and the first record that differs;
-// nothing when all is equal.
+// Searches the residues in one mode, or in all, in each kind of buffer: without overlap removal in
+// that of exact size, and with it in the others, whatever the settings say about overlap removal.
+// Returns what is different from the slow twin: mode, settings, residues and the first record that
+// differs; nothing when all is equal.
 std::optional<std::string> difference(ProductSearch& product, Mode mode, std::string_view residues,
                                       const reference::Settings& settings);
 std::optional<std::string> difference(ProductSearch& product, std::string_view residues,

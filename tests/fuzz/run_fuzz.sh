@@ -32,7 +32,7 @@ fuzz() {
   shift
   [ ! -f "$dictionary" ] || set -- -dict="$dictionary"
   "$build/tests/fuzz/$target" -max_total_time="$seconds" -max_len="$(longest_input "$target")" \
-    -len_control=0 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+    -len_control=0 -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 \
     -artifact_prefix="$faults/" "$@" "$new" "$here/corpus/$target"
 }
 

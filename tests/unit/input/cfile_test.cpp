@@ -186,6 +186,45 @@ TEST(InputFile, OnceMalformedLineEndsAreNeitherConvertedNorCounted) {
   EXPECT_EQ(file.line_number(), 1U);
 }
 
+/// Whether a whole record waits, once the first character of the file has been looked at.
+bool holds_record(std::string_view bytes) {
+  const TemporaryFile content(bytes);
+  CFile file;
+  file.open(content.name());
+  file.peekchar();
+  return file.holds_record();
+}
+
+TEST(InputFile, HoldsARecordThatAnotherOneFollows) {
+  EXPECT_TRUE(holds_record(">a\nAC\n>"));
+  EXPECT_TRUE(holds_record(">a\rAC\r>b"));
+  EXPECT_TRUE(holds_record(">a\r\n>b"));
+}
+
+TEST(InputFile, DoesNotKnowTheEndOfARecordThatNoneFollows) {
+  EXPECT_FALSE(holds_record(">a\nAC\n"));
+  EXPECT_FALSE(holds_record(">"));
+  EXPECT_FALSE(holds_record(""));
+}
+
+TEST(InputFile, AGreaterSignWithinALineIsNoOtherRecord) {
+  EXPECT_FALSE(holds_record(">a >b\nAC>\n"));
+  EXPECT_TRUE(holds_record(">a >b\nAC\n>c"));
+}
+
+TEST(InputFile, ARecordIsNotHeldWhoseEndHasNotBeenReadFromTheFile) {
+  const std::string record = ">a\n" + std::string(kFirstFill - 5, 'A') + '\n';
+  EXPECT_TRUE(holds_record(record + ">b"));
+  EXPECT_FALSE(holds_record(record + "\n>b"));
+}
+
+TEST(InputFile, HoldsNoRecordBeforeItIsRead) {
+  const TemporaryFile content(">a\n>b\n");
+  CFile file;
+  file.open(content.name());
+  EXPECT_FALSE(file.holds_record());
+}
+
 TEST(InputFile, OpeningAgainStartsAnew) {
   const TemporaryFile first("A\nB");
   const TemporaryFile second("C");

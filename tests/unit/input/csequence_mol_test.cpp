@@ -259,6 +259,21 @@ TEST(FastaReader, ResiduesGrowBeyondTheRoomReservedForThem) {
   EXPECT_EQ(record.sequence.residues.view(), bases);
 }
 
+TEST(FastaReader, ACopyOfARecordStaysWhenTheNextIsRead) {
+  FastaReader reader(">a first one\nACGT\n>b\nGG\n");
+  reader.read();
+  CSequence_Mol copy(CSequence_Mol::kDna, 0);
+  copy.assign(reader.sequence);
+  reader.read();
+  EXPECT_EQ(copy.header.view(), "a first one");
+  EXPECT_EQ(copy.name.view(), "a");
+  EXPECT_EQ(copy.description.view(), "first one");
+  EXPECT_EQ(copy.residues.view(), "ACGT");
+  copy.assign(reader.sequence);
+  EXPECT_EQ(copy.name.view(), "b");
+  EXPECT_EQ(copy.residues.view(), "GG");
+}
+
 TEST(FastaReader, AnotherMoleculeTypeIsNotImplemented) {
   constexpr std::uint32_t kProtein = 2;
   FastaReader reader(">a\nMK\n", kProtein);

@@ -3,8 +3,10 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <string>
 
+#include "imperfect/series_filter.h"
 #include "search/csearchcontroller.h"
 #include "support/dna.h"
 #include "support/fresh_settings.h"
@@ -16,8 +18,23 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+/// The search of a record whose starts have been judged before.
+void search_as_one_of_a_series(CSearchController& controller) {
+  SeriesFilter series;
+  const std::size_t offset = series.append(controller.sequence.residues.view());
+  series.judge(UnitLengthThresholds::of_scores());
+  const JudgedStarts judged = series.record(offset);
+  controller.use(&judged);
+  controller.complete_imperfect_search(nullptr);
+}
+
 /// How a search is started.
 using Search = void (*)(CSearchController&);
+
+std::string name_of_search(std::size_t index) {
+  constexpr std::array kNames = {"Exact", "Imperfect", "ImperfectInSeries"};
+  return kNames.at(index);
+}
 
 class SearchProgress : public FreshSettings, public ::testing::WithParamInterface<Search> {
  protected:
@@ -51,6 +68,12 @@ TEST_P(SearchProgress, AUnitLengthAsLongAsTheSequenceIsNotWorkedOn) {
   EXPECT_THAT(unit_lengths_shown("ACGTA"), ElementsAre(1, 2, 3, 4));
 }
 
+TEST_P(SearchProgress, StartsWithoutRepeatsAskToo) {
+  global_max_unit_length = 2;
+  global_min_score = 1000;
+  EXPECT_THAT(unit_lengths_shown(repeated("ACGT", 150)), ElementsAre(1, 1, 1, 2, 2, 2));
+}
+
 // Base 0 is N and so never a start of unit length 1, but a position of the scan for longer ones.
 TEST_P(SearchProgress, InUnitLength1OnlyStartsThatAreVisitedAsk) {
   global_max_unit_length = 2;
@@ -67,12 +90,14 @@ TEST_P(SearchProgress, NothingIsShownWhenNoLineIsDue) {
   EXPECT_THAT(RecordingConsole::lines, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ExactAndImperfect, SearchProgress,
-    ::testing::Values(
-        +[](CSearchController& controller) { controller.exact_search_2(); },
-        +[](CSearchController& controller) { controller.complete_imperfect_search(nullptr); }),
-    [](const auto& test) { return std::string(test.index == 0 ? "Exact" : "Imperfect"); });
+INSTANTIATE_TEST_SUITE_P(ExactAndImperfect, SearchProgress,
+                         ::testing::Values(
+                             +[](CSearchController& controller) { controller.exact_search_2(); },
+                             +[](CSearchController& controller) {
+                               controller.complete_imperfect_search(nullptr);
+                             },
+                             search_as_one_of_a_series),
+                         [](const auto& test) { return name_of_search(test.index); });
 
 using ExactSearchProgress = FreshSettings;
 

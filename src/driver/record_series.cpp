@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "driver/record_series.h"
+
+#include <new>
+
+#include "config/settings.h"
+#include "search/thresholds.h"
+
+namespace vorlan {
+namespace {
+
+/// A longer one fills the lanes of the filter by itself.
+constexpr std::uint32_t kLongestShortRecord = 4096;
+
+/// Enough to fill the lanes many times over, and still at home in the cache.
+constexpr std::size_t kMostResidues = 32768;
+constexpr std::size_t kMostRecords = 1024;
+
+}  // namespace
+
+bool RecordSeries::is_short(const CSequence_Mol& sequence) {
+  return global_search_mode == kImperfect && sequence.residues.size <= kLongestShortRecord;
+}
+
+bool RecordSeries::is_full() const {
+  return filter_.residues() >= kMostResidues || size_ == kMostRecords;
+}
+
+void RecordSeries::add(std::uint32_t number, const CSequence_Mol& sequence) {
+  if (size_ == records_.size()) records_.emplace_back();
+  Record& record = records_[size_];
+  record.number = number;
+  record.sequence.assign(sequence);
+  record.offset = filter_.append(sequence.residues.view());
+  ++size_;
+}
+
+void RecordSeries::judge() try {
+  if (size_ > 1) filter_.judge(UnitLengthThresholds::of_scores());
+} catch (const std::bad_alloc&) {
+  filter_.clear();
+}
+
+void RecordSeries::clear() {
+  size_ = 0;
+  filter_.clear();
+}
+
+}  // namespace vorlan

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "imperfect/series_filter.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "config/settings.h"
+#include "imperfect/candidate_filter.h"
+#include "search/start_block.h"
+
+namespace vorlan {
+namespace {
+
+constexpr std::size_t kBitsPerWord = BitPlanes::kBitsPerWord;
+
+void close(std::vector<std::uint64_t>& starts, std::size_t start) {
+  starts[start / kBitsPerWord] &= ~(std::uint64_t{1} << start % kBitsPerWord);
+}
+
+// Lets the filter look closely, and opens the starts that survive.
+void look_closely(CandidateFilter& filter, std::uint64_t* survivors) {
+  for (const std::ptrdiff_t survivor : filter.look_closely()) {
+    const auto start = static_cast<std::size_t>(survivor);
+    survivors[start / kBitsPerWord] |= std::uint64_t{1} << start % kBitsPerWord;
+  }
+}
+
+}  // namespace
+
+void SeriesFilter::judge(const UnitLengthThresholds& min_scores) {
+  shortest_unit_ = global_min_unit_length;
+  longest_unit_ = static_cast<unsigned>(std::min<std::size_t>(
+      {global_max_unit_length, CandidateFilter::kLongestUnit, longest_record_}));
+  if (shortest_unit_ > longest_unit_) return;
+  const BitPlanes planes(residues_.data(), residues_.size(),
+                         CandidateFilter::margin(longest_unit_));
+  const auto blocks = residues_.size() / StartBlock::kStarts + 1;
+  words_ = blocks * StartBlock::kWords;
+  survivors_.resize((longest_unit_ - shortest_unit_ + 1) * words_ + 1);
+  const std::uint64_t* const special = planes.words().special;
+  starts_.resize(words_);
+  std::transform(special, special + words_, starts_.begin(), std::bit_not());
+  for (unsigned unit_length = 1; unit_length <= longest_unit_; ++unit_length) {
+    close_last_starts(unit_length);
+    if (unit_length >= shortest_unit_) judge(planes, unit_length, min_scores[unit_length]);
+  }
+}
+
+// A unit that is one base longer has one start less in each record.
+void SeriesFilter::close_last_starts(unsigned unit_length) {
+  std::size_t begin = 0;
+  for (const std::size_t end : ends_) {
+    if (end - begin >= unit_length) close(starts_, end - unit_length);
+    begin = end;
+  }
+}
+
+void SeriesFilter::judge(const BitPlanes& planes, unsigned unit_length, int min_score) {
+  const auto residues = static_cast<std::ptrdiff_t>(residues_.size());
+  CandidateFilter filter(planes, unit_length, min_score, residues);
+  std::uint64_t* const survivors = survivors_.data() + (unit_length - shortest_unit_) * words_;
+  std::copy(starts_.begin(), starts_.end(), survivors);
+  for (std::size_t word = 0; word < words_; word += StartBlock::kWords) {
+    filter.glance(static_cast<std::ptrdiff_t>(word), survivors + word);
+    if (filter.doubts() >= kFilterStarts) look_closely(filter, survivors);
+  }
+  while (filter.doubts() != 0) look_closely(filter, survivors);
+}
+
+}  // namespace vorlan

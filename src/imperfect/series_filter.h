@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The filter for short records, which alone would leave most of its lanes empty.
+//
+// Idea: several records are laid end to end and judged like one sequence. A candidate of a record
+// sees there what it sees in the record, followed by the residues of neighbours.
+//
+// Why results stay the same: every path of an extension within the record is still there. Those
+// that run on into a neighbour can only let a start survive that the record alone would not, and
+// one that survives is extended in its record.
+//
+// Example: the records ACACA and GTGT are judged as ACACAGTGT. Unit AC at the first start may be
+// followed up to the last residue; that it cannot be in its record shows when it is extended.
+
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/bit_planes.h"
+#include "search/thresholds.h"
+
+namespace vorlan {
+
+class JudgedStarts;
+
+/// Judges the starts of all unit lengths in several records together.
+///
+/// Use: append the records, judge, ask for each record; clear before the next series.
+class SeriesFilter {
+ public:
+  void clear() {
+    residues_.clear();
+    ends_.clear();
+    longest_record_ = 0;
+    longest_unit_ = 0;
+  }
+
+  /// Adds a record; returns its offset in the series. Throws std::bad_alloc; the records
+  /// before it stay.
+  std::size_t append(std::string_view residues) {
+    const std::size_t begin = residues_.size();
+    residues_ += residues;
+    ends_.push_back(residues_.size());
+    longest_record_ = std::max(longest_record_, residues.size());
+    return begin;
+  }
+
+  std::size_t residues() const { return residues_.size(); }
+
+  /// Judges every start for the unit lengths of the settings. Cost: that of the filter for one
+  /// sequence of this length; memory: one bit per residue and unit length.
+  /// Throws std::bad_alloc; the series must be cleared then.
+  void judge(const UnitLengthThresholds& min_scores);
+
+  /// What is known of the record that was appended at `offset`. Valid until the next `clear`.
+  JudgedStarts record(std::size_t offset) const;
+
+ private:
+  friend class JudgedStarts;
+
+  bool has_judged(unsigned unit_length) const {
+    return unit_length >= shortest_unit_ && unit_length <= longest_unit_;
+  }
+  /// The survivors of one unit length; one word more than the blocks is readable.
+  const std::uint64_t* survivors(unsigned unit_length) const {
+    return survivors_.data() + (unit_length - shortest_unit_) * words_;
+  }
+
+  void close_last_starts(unsigned unit_length);
+  void judge(const BitPlanes& planes, unsigned unit_length, int min_score);
+
+  std::string residues_;
+  std::vector<std::size_t> ends_;  ///< Of the records.
+  std::size_t longest_record_ = 0;
+  std::vector<std::uint64_t> starts_;  ///< Those of the unit length that is being judged.
+  std::vector<std::uint64_t> survivors_;
+  std::size_t words_ = 0;  ///< Of the survivors of one unit length: whole blocks.
+  unsigned shortest_unit_ = 1;
+  unsigned longest_unit_ = 0;
+};
+
+/// The starts of one record that its series has judged. A view of the filter.
+class JudgedStarts {
+ public:
+  JudgedStarts(const SeriesFilter& series, std::size_t offset)
+      : series_(&series), offset_(static_cast<std::ptrdiff_t>(offset)) {}
+
+  /// Whether the starts of this unit length were judged.
+  bool know(unsigned unit_length) const { return series_->has_judged(unit_length); }
+
+  /// The 64 starts from `first` on that survive, one bit for each. Those behind the last start of
+  /// the record are without meaning. Requires that the unit length is known.
+  std::uint64_t survivors(unsigned unit_length, std::ptrdiff_t first) const {
+    return BitPlanes::bits_at(series_->survivors(unit_length), offset_ + first);
+  }
+
+  /// Whether any of the first `starts` starts survives.
+  bool any_survives(unsigned unit_length, std::ptrdiff_t starts) const {
+    std::ptrdiff_t first = 0;
+    for (; first + BitPlanes::kBitsPerWord <= starts; first += BitPlanes::kBitsPerWord) {
+      if (survivors(unit_length, first) != 0) return true;
+    }
+    const std::uint64_t behind = ~std::uint64_t{0} << (starts - first);
+    return (survivors(unit_length, first) & ~behind) != 0;
+  }
+
+ private:
+  const SeriesFilter* series_;
+  std::ptrdiff_t offset_;
+};
+
+inline JudgedStarts SeriesFilter::record(std::size_t offset) const { return {*this, offset}; }
+
+}  // namespace vorlan
