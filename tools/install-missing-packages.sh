@@ -24,6 +24,7 @@ mandoc mandoc
 zsh zsh
 /usr/share/i18n/locales/de_DE locales' ;;
     deb) echo 'dpkg-buildpackage dpkg-dev
+/usr/share/build-essential/list build-essential
 fakeroot fakeroot
 dh debhelper
 lintian lintian
