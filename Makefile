@@ -115,7 +115,7 @@ bench:
 figures: build
 	$(need) figures
 	@/usr/bin/python3 docs/figures/draw_modes.py build/release/vorlan docs/figures/modes.svg
-	@/usr/bin/python3 docs/figures/draw_speed.py bench/results docs/figures/speed.svg
+	@/usr/bin/python3 docs/figures/draw_speed.py bench/results/*.md docs/figures/speed.svg
 
 lint:
 	$(need) build test lint

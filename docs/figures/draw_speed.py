@@ -3,9 +3,10 @@
 # SPDX-FileCopyrightText: the Vorlan authors
 """Draws the measured speed against sequence length and unit length, from what bench/run_bench.py has stored.
 
-    draw_speed.py RESULTS_DIR OUT.svg
+    draw_speed.py RESULT... OUT.svg
 
-The newest measurement of each work is taken: by the date in the file, of one date by the file name.
+The newest measurement of each work is taken: by the date in the file, of one date by the file name. The picture names
+the files that it was drawn from.
 """
 
 from __future__ import annotations
@@ -53,37 +54,36 @@ def table_rows(result: Path) -> Iterator[dict[str, str]]:
             yield dict(zip(header, cells))
 
 
-def results(folder: Path) -> list[Path]:
-    """Oldest first."""
-    return sorted(folder.glob("*.md"), key=lambda result: (date_of(result), result.name))
+def oldest_first(results: list[Path]) -> list[Path]:
+    return sorted(results, key=lambda result: (date_of(result), result.name))
 
 
-def cpu_seconds(folder: Path) -> dict[str, float]:
+def cpu_seconds(results: list[Path]) -> dict[str, float]:
     """Of every work in the tables of growth."""
     seconds: dict[str, float] = {}
-    for row in (row for result in results(folder) for row in table_rows(result)):
+    for row in (row for result in oldest_first(results) for row in table_rows(result)):
         for work, column in (("work", "CPU s"), ("against", "against, CPU s")):
             if re.fullmatch(r"[\d.]+", row.get(column, "")):
                 seconds[row[work]] = float(row[column])
     return seconds
 
 
-def megabases_per_second(folder: Path) -> dict[str, float]:
+def megabases_per_second(results: list[Path]) -> dict[str, float]:
     column = "million bases per CPU s"
-    rows = (row for result in results(folder) for row in table_rows(result))
+    rows = (row for result in oldest_first(results) for row in table_rows(result))
     return {row["work"]: float(row[column]) for row in rows if column in row}
 
 
-def time_by_length(folder: Path) -> dict[str, list[Point]]:
+def time_by_length(results: list[Path]) -> dict[str, list[Point]]:
     series: dict[str, list[Point]] = {name: [] for name in SEQUENCES}
-    for work, seconds in cpu_seconds(folder).items():
+    for work, seconds in cpu_seconds(results).items():
         if match := BY_LENGTH.fullmatch(work):
             series[match[1]].append(Point(int(match[2]), seconds))
     return {name: sorted(points, key=lambda point: point.x) for name, points in series.items()}
 
 
-def speed_by_unit(folder: Path) -> list[Point]:
-    matches = ((BY_UNIT.fullmatch(work), speed) for work, speed in megabases_per_second(folder).items())
+def speed_by_unit(results: list[Path]) -> list[Point]:
+    matches = ((BY_UNIT.fullmatch(work), speed) for work, speed in megabases_per_second(results).items())
     return sorted((Point(int(match[1]), speed) for match, speed in matches if match), key=lambda point: point.x)
 
 
@@ -131,10 +131,10 @@ def draw_speed(axes: Axes, points: list[Point]) -> None:
     axes.set_ylabel("million bases per CPU second")
 
 
-def draw(folder: Path) -> Figure:
-    series, points = time_by_length(folder), speed_by_unit(folder)
+def draw(results: list[Path]) -> Figure:
+    series, points = time_by_length(results), speed_by_unit(results)
     if not points or not all(series.values()):
-        raise SystemExit(f"{folder} lacks measurements; run bench/run_bench.py")
+        raise SystemExit("The results lack measurements; run bench/run_bench.py")
     figure = Figure(figsize=(9.6, 3.4), layout="constrained")
     left, right = figure.subplots(1, 2)
     draw_time(left, series)
@@ -143,10 +143,11 @@ def draw(folder: Path) -> Figure:
 
 
 def main(words: list[str]) -> int:
-    if len(words) != 2:
+    if len(words) < 2:
         sys.stderr.write(__doc__ or "")
         return 1
-    write(draw(Path(words[0])), Path(words[1]))
+    results = [Path(word) for word in words[:-1]]
+    write(draw(results), Path(words[-1]), " ".join(sorted(result.name for result in results)))
     return 0
 
 

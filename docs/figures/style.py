@@ -33,6 +33,6 @@ matplotlib.rcParams.update({
 })
 
 
-def write(figure: Figure, path: Path) -> None:
-    """Writes the picture without a date, on white, so that it can be read on dark pages too."""
-    figure.savefig(path, format="svg", facecolor="white", metadata={"Date": None})
+def write(figure: Figure, path: Path, source: str | None = None) -> None:
+    """Writes the picture without a date, on white, so that it can be read on dark pages too; notes its source in it."""
+    figure.savefig(path, format="svg", facecolor="white", metadata={"Date": None, "Source": source})
