@@ -13,6 +13,7 @@ from __future__ import annotations
 
 import subprocess
 import sys
+from collections.abc import Callable, Iterable
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -59,20 +60,25 @@ def check(program: Program, case: Path) -> list[str]:
         return [f"  {problem}"]
 
 
+def check_all(cases: Iterable[Path], problems_of: Callable[[Path], list[str]]) -> int:
+    """Prints what is wrong with which case, and how many passed. Returns the status of the program: 1 unless all did."""
+    passed = failed = 0
+    for case in cases:
+        if problems := problems_of(case):
+            failed += 1
+            print("\n".join([f"FAILED {case.resolve().name}"] + problems))
+        else:
+            passed += 1
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
 def main(words: list[str]) -> int:
     if len(words) < 2:
         sys.stderr.write(__doc__ or "")
         return 1
     program = Program(str(Path(words[0]).resolve()), ("vorlan",))
-    failed = 0
-    for case in map(Path, words[1:]):
-        problems = check(program, case)
-        if problems:
-            failed += 1
-            print("\n".join([f"FAILED {case.resolve().name}"] + problems))
-    passed = len(words) - 1 - failed
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+    return check_all(map(Path, words[1:]), lambda case: check(program, case))
 
 
 if __name__ == "__main__":

@@ -21,7 +21,8 @@ PROGRAM = "bin/vorlan"
 # Where each file goes below the prefix, and where it comes from.
 DOCUMENTS = "share/doc/vorlan"
 FILES = {
-    **{f"{DOCUMENTS}/{name}": name for name in ("CHANGELOG.md", "CITATION.cff", "LICENSE", "README.md")},
+    **{f"{DOCUMENTS}/{name}": name for name in ("ARCHITECTURE.md", "CHANGELOG.md", "CITATION.cff", "CONTRIBUTING.md",
+                                                "LICENSE", "README.md")},
     "share/man/man1/vorlan.1": "man/vorlan.1",
     "share/man/man5/vorlan-formats.5": "man/vorlan-formats.5",
     "share/bash-completion/completions/vorlan": "completions/vorlan.bash",

@@ -22,7 +22,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "golden"))
 
 from golden_case import Program
-from run_golden import check
+from run_golden import check, check_all
 
 SKIPPED = 77
 ERROR_STATUS = "99"  # of no run
@@ -41,21 +41,18 @@ def main(words: list[str]) -> int:
     if executable is None:
         print("skipped: valgrind is not installed")
         return SKIPPED
-    failed = 0
     with tempfile.TemporaryDirectory(prefix="memcheck-") as folder:
         log = Path(folder) / "log"
         program = valgrind(executable, str(Path(words[0]).resolve()), log)
-        for case in map(Path, words[1:]):
+
+        def problems_of(case: Path) -> list[str]:
             log.unlink(missing_ok=True)
             problems = check(program, case)
             # With --quiet only errors are logged.
-            problems += log.read_text(errors="replace").splitlines() if log.exists() else ["  valgrind did not start"]
-            if problems:
-                failed += 1
-                print("\n".join([f"FAILED {case.resolve().name}"] + problems))
-    passed = len(words) - 1 - failed
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+            logged = log.read_text(errors="replace").splitlines() if log.exists() else ["  valgrind did not start"]
+            return problems + logged
+
+        return check_all(map(Path, words[1:]), problems_of)
 
 
 if __name__ == "__main__":
