@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "config/settings.h"
@@ -22,6 +23,17 @@ struct AlignmentSettings {
 
   /// Longest N run that is bridged; 0 when N is an ordinary residue that matches nothing.
   std::ptrdiff_t longest_N_run = global_treat_Ns_as_missense ? 0 : global_Ns_allowed_in_a_row;
+
+  /// The settings for a sequence of so many residues. A limit of the score reduction that can never
+  /// be reached there is left out, so that it does not cost what other limits cost: a repeat scores
+  /// at most one point for each residue behind its first unit, and falls at most one unit below 0.
+  static AlignmentSettings for_sequence(std::size_t residues) {
+    AlignmentSettings settings;
+    if (settings.maximum_scorereduction >= static_cast<std::int64_t>(residues)) {
+      settings.maximum_scorereduction = kNoScoreLimit;
+    }
+    return settings;
+  }
 
   /// Whether the best score does not enter the threshold, which makes it a constant.
   bool has_constant_threshold() const { return maximum_scorereduction == kNoScoreLimit; }

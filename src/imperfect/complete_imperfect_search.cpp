@@ -152,7 +152,9 @@ class StartQueue {
 void CSearchController::complete_imperfect_search(std::FILE*) {
   CAnchorSeq anchors(seq_begin(), seq_length());
   const BitPlanes planes(seq_begin(), seq_length(), CandidateFilter::margin(longest_unit()));
-  ExtensionContext context{.seq_begin = seq_begin(), .planes = &planes};
+  ExtensionContext context{.seq_begin = seq_begin(),
+                           .settings = AlignmentSettings::for_sequence(seq_length()),
+                           .planes = &planes};
   UnitPaths paths(seq_begin(), context.settings);
   if (UnitPaths::can_share(context.settings)) context.paths = &paths;
   for (unsigned unit_len = global_min_unit_length; unit_len <= longest_unit(); ++unit_len) {

@@ -339,9 +339,10 @@ bool extend_and_judge(Csat& sat, const char* seq_end, ExtensionContext& context,
 struct CSearchController::Extender {
   Extender(const char* begin, const char* end)
       : planes(begin, static_cast<std::size_t>(end - begin), MismatchMasks<Forward>::kReach),
+        context{.seq_begin = begin,
+                .settings = AlignmentSettings::for_sequence(static_cast<std::size_t>(end - begin)),
+                .planes = &planes},
         paths(begin, context.settings) {
-    context.seq_begin = begin;
-    context.planes = &planes;
     if (UnitPaths::can_share(context.settings)) context.paths = &paths;
   }
 
@@ -358,8 +359,8 @@ struct CSearchController::Extender {
     append_events<Direction>(segments, paths, sat);
   }
 
-  ExtensionContext context;
   BitPlanes planes;
+  ExtensionContext context;
   UnitPaths paths;
 };
 

@@ -10,7 +10,9 @@
 #include <optional>
 #include <string>
 
+#include "random.h"
 #include "random_cases.h"
+#include "random_residues.h"
 #include "search_adapter.h"
 
 namespace differential {
@@ -32,6 +34,27 @@ TEST_P(RandomCases, give_the_same_repeats_in_all_modes) {
     ASSERT_FALSE(found) << "vorlan_differential --seed " << GetParam() << " --first " << number
                         << " --cases 1\n"
                         << *found;
+  }
+}
+
+// A limit of the score reduction about as large as the record: smaller ones can be reached by an
+// extension over the whole record, larger ones cannot.
+TEST_P(RandomCases, limits_that_can_hardly_be_reached_give_the_same_repeats) {
+  ProductSearch product;
+  Random random(GetParam());
+  for (std::uint64_t number = 0; number < kCasesPerSeed; ++number) {
+    const std::size_t length = 4 + random.below(16);
+    const std::string unit = random_residues(random, 1 + random.below(3), "ACGT");
+    const std::string residues = diverged(random, array_of(unit, length), 100);
+    reference::Settings settings;
+    settings.mismatch_score = random.between(-4, -2);
+    settings.indel_score = random.between(-4, -2);
+    settings.min_score = 1;
+    settings.min_score_bx = 0;
+    settings.maximum_scorereduction = static_cast<int>(residues.size()) - random.between(-1, 6);
+    settings.prefer_longer_repeat = random.between(0, 1);
+    const std::optional<std::string> found = difference(product, residues, settings);
+    ASSERT_FALSE(found) << *found;
   }
 }
 

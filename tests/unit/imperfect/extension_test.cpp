@@ -87,6 +87,17 @@ TEST_F(Extension, ADepthThatLevelsCannotReachIsNone) {
   EXPECT_EQ(deepest_level(std::numeric_limits<int>::max()), -1);
 }
 
+TEST_F(Extension, AScoreReductionAsLargeAsTheSequenceIsNoLimit) {
+  const auto is_limited = [](int reduction) {
+    global_maximum_scorereduction = reduction;
+    return !AlignmentSettings::for_sequence(100).has_constant_threshold();
+  };
+  EXPECT_TRUE(is_limited(99));
+  EXPECT_FALSE(is_limited(100));
+  EXPECT_FALSE(is_limited(std::numeric_limits<int>::max() - 1));
+  EXPECT_TRUE(is_limited(-1));
+}
+
 TEST_F(Extension, AMatchAtANearerStopIsNotTaken) {
   Seed right("ACACACACAC", 0, 2);
   right.forward_to(7);
