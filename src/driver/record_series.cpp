@@ -12,7 +12,7 @@ namespace vorlan {
 namespace {
 
 /// A longer one fills the lanes of the filter by itself.
-constexpr std::uint32_t kLongestShortRecord = 4096;
+constexpr std::uint32_t kMostResiduesOfRecord = 4096;
 
 /// Enough to fill the lanes many times over, and still at home in the cache.
 constexpr std::size_t kMostResidues = 32768;
@@ -21,7 +21,8 @@ constexpr std::size_t kMostRecords = 1024;
 }  // namespace
 
 bool RecordSeries::is_short(const CSequence_Mol& sequence) {
-  return global_search_mode == kImperfect && sequence.residues.size <= kLongestShortRecord;
+  return global_search_mode == kImperfect && sequence.residues.size <= kMostResiduesOfRecord &&
+         sequence.header.size <= kLongestText;
 }
 
 bool RecordSeries::is_full() const {

@@ -22,6 +22,9 @@ class RecordSeries {
     std::size_t offset = 0;  ///< In the series.
   };
 
+  /// A record whose text in the input is longer is not worth waiting for.
+  static constexpr std::size_t kLongestText = 10'000;
+
   /// Whether a record is worth waiting for others.
   static bool is_short(const CSequence_Mol& sequence);
 

@@ -92,10 +92,10 @@ class Run {
     const auto last = static_cast<std::uint32_t>(global_sequence_to);
     for (std::uint32_t number = 1; !input_.eof(); ++number) {
       const bool is_whole = take_record(number, number >= first && number <= last);
-      // No report waits for input, or for records that are not searched.
-      if (!is_whole || number == last || series_.is_full() || !input_.holds_record()) {
-        search_series();
-      }
+      // No report waits for input.
+      const bool more_may_wait =
+          is_whole && !series_.is_full() && input_.holds_record(RecordSeries::kLongestText);
+      if (!more_may_wait) search_series();
       if (!is_whole) return false;
     }
     return true;

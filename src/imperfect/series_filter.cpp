@@ -4,7 +4,9 @@
 #include "imperfect/series_filter.h"
 
 #include <algorithm>
+#include <bit>
 #include <functional>
+#include <numeric>
 
 #include "config/settings.h"
 #include "imperfect/candidate_filter.h"
@@ -14,6 +16,10 @@ namespace vorlan {
 namespace {
 
 constexpr std::size_t kBitsPerWord = BitPlanes::kBitsPerWord;
+
+/// With more survivors than one for so many residues, most records hold repeats. Their marks close
+/// what longer units would have to judge here.
+constexpr std::size_t kFewResiduesPerSurvivor = 4;
 
 void close(std::vector<std::uint64_t>& starts, std::size_t start) {
   starts[start / kBitsPerWord] &= ~(std::uint64_t{1} << start % kBitsPerWord);
@@ -31,8 +37,8 @@ void look_closely(CandidateFilter& filter, std::uint64_t* survivors) {
 
 void SeriesFilter::judge(const UnitLengthThresholds& min_scores) {
   shortest_unit_ = global_min_unit_length;
-  longest_unit_ = static_cast<unsigned>(std::min<std::size_t>(
-      {global_max_unit_length, CandidateFilter::kLongestUnit, longest_record_}));
+  longest_unit_ = static_cast<unsigned>(
+      std::min<std::size_t>({global_max_unit_length, kLongestUnit, longest_record_}));
   if (shortest_unit_ > longest_unit_) return;
   const BitPlanes planes(residues_.data(), residues_.size(),
                          CandidateFilter::margin(longest_unit_));
@@ -44,7 +50,9 @@ void SeriesFilter::judge(const UnitLengthThresholds& min_scores) {
   std::transform(special, special + words_, starts_.begin(), std::bit_not());
   for (unsigned unit_length = 1; unit_length <= longest_unit_; ++unit_length) {
     close_last_starts(unit_length);
-    if (unit_length >= shortest_unit_) judge(planes, unit_length, min_scores[unit_length]);
+    if (unit_length < shortest_unit_) continue;
+    const std::size_t survivors = judge(planes, unit_length, min_scores[unit_length]);
+    if (survivors > residues_.size() / kFewResiduesPerSurvivor) longest_unit_ = unit_length;
   }
 }
 
@@ -57,7 +65,7 @@ void SeriesFilter::close_last_starts(unsigned unit_length) {
   }
 }
 
-void SeriesFilter::judge(const BitPlanes& planes, unsigned unit_length, int min_score) {
+std::size_t SeriesFilter::judge(const BitPlanes& planes, unsigned unit_length, int min_score) {
   const auto residues = static_cast<std::ptrdiff_t>(residues_.size());
   CandidateFilter filter(planes, unit_length, min_score, residues);
   std::uint64_t* const survivors = survivors_.data() + (unit_length - shortest_unit_) * words_;
@@ -67,6 +75,8 @@ void SeriesFilter::judge(const BitPlanes& planes, unsigned unit_length, int min_
     if (filter.doubts() >= kFilterStarts) look_closely(filter, survivors);
   }
   while (filter.doubts() != 0) look_closely(filter, survivors);
+  return std::transform_reduce(survivors, survivors + words_, std::size_t{0}, std::plus(),
+                               [](std::uint64_t word) { return std::popcount(word); });
 }
 
 }  // namespace vorlan

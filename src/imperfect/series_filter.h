@@ -34,6 +34,10 @@ class JudgedStarts;
 /// Use: append the records, judge, ask for each record; clear before the next series.
 class SeriesFilter {
  public:
+  /// Judging longer units takes so long that it is better done record by record, where progress is
+  /// shown and repeats of shorter units leave less to judge.
+  static constexpr unsigned kLongestUnit = 50;
+
   void clear() {
     residues_.clear();
     ends_.clear();
@@ -53,27 +57,29 @@ class SeriesFilter {
 
   std::size_t residues() const { return residues_.size(); }
 
-  /// Judges every start for the unit lengths of the settings. Cost: that of the filter for one
-  /// sequence of this length; memory: one bit per residue and unit length.
-  /// Throws std::bad_alloc; the series must be cleared then.
+  /// Judges the starts for the unit lengths of the settings up to kLongestUnit; fewer when there is
+  /// much that survives. Cost: that of the filter for one sequence of this length, without what the
+  /// marks of repeats save; memory: one bit per residue and unit length. Throws std::bad_alloc; the
+  /// series must be cleared then.
   void judge(const UnitLengthThresholds& min_scores);
 
   /// What is known of the record that was appended at `offset`. Valid until the next `clear`.
   JudgedStarts record(std::size_t offset) const;
 
- private:
-  friend class JudgedStarts;
-
   bool has_judged(unsigned unit_length) const {
     return unit_length >= shortest_unit_ && unit_length <= longest_unit_;
   }
-  /// The survivors of one unit length; one word more than the blocks is readable.
+
+  /// The starts that survive, one bit for each residue of the series, and a word more. Requires
+  /// that the unit length was judged.
   const std::uint64_t* survivors(unsigned unit_length) const {
     return survivors_.data() + (unit_length - shortest_unit_) * words_;
   }
 
+ private:
   void close_last_starts(unsigned unit_length);
-  void judge(const BitPlanes& planes, unsigned unit_length, int min_score);
+  /// Judges one unit length; returns how many starts survive.
+  std::size_t judge(const BitPlanes& planes, unsigned unit_length, int min_score);
 
   std::string residues_;
   std::vector<std::size_t> ends_;  ///< Of the records.

@@ -3,7 +3,8 @@
 
 #include "input/cfile.h"
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 
 namespace vorlan {
 
@@ -58,14 +59,11 @@ void CFile::ungetchar() {
   --read_pos;
 }
 
-bool CFile::holds_record() const {
-  const char* from = read_pos;
-  while (from != buffer_end) {
-    const auto rest = static_cast<std::size_t>(buffer_end - from - 1);
-    const void* found = std::memchr(from + 1, '>', rest);
-    if (found == nullptr) return false;
-    from = static_cast<const char*>(found);
-    if (from[-1] == '\n' || from[-1] == '\r') return true;
+bool CFile::holds_record(std::size_t longest) const {
+  const auto held = static_cast<std::size_t>(buffer_end - read_pos);
+  const std::string_view text(read_pos, std::min(held, longest + 1));
+  for (std::size_t at = 1; (at = text.find('>', at)) != std::string_view::npos; ++at) {
+    if (text[at - 1] == '\n' || text[at - 1] == '\r') return true;
   }
   return false;
 }

@@ -38,9 +38,10 @@ class CFile : public std::ifstream {
   /// The next character without consuming it.
   char peekchar();
 
-  /// Whether the record that begins with the next character can be read to its end, with the '>' of
-  /// another behind it, without waiting for more input. Cost: linear in the length of the record.
-  bool holds_record() const;
+  /// Whether the record that begins with the next character has at most `longest` bytes and can be
+  /// read to its end, with the '>' of another behind it, without waiting for more input. Cost:
+  /// linear in the length of the record, or `longest`.
+  bool holds_record(std::size_t longest) const;
 
   bool eof() const { return (state & kEof) != 0; }
   bool good() const { return (state & kGood) != 0; }

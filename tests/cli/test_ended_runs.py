@@ -17,6 +17,7 @@ from small_record import RESIDUES, block, header
 
 KILOBYTE, MEGABYTE = 2**10, 2**20
 MODES = ("exact", "extendExact", "imperfect")
+FAILING_ALLOCATION = os.environ["VORLAN_FAILING_ALLOCATION_LIBRARY"]
 
 
 @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
@@ -54,9 +55,10 @@ class TooLittleMemory(ProgramTest):
 class MemoryThatEndsAnywhere(ProgramTest):
     """Whatever the run is doing when memory ends: it says so, and the report holds only what it should."""
 
-    # Repeats with and without edits and N, one that hides another, and a second record.
+    # Repeats with and without edits and N, one that hides another, and more records that wait for each other.
     RECORDS = (b">a\n%s\n>b with words\n" % RESIDUES + b"ACGTTGCAACNNGATTACA" * 30 +
-               b"GATCGATTAGCTAGCATCGATCGGCTA" * 3 + b"CACACACACACTCACACACACGGCACACACACACACACAACACA\n")
+               b"GATCGATTAGCTAGCATCGATCGGCTA" * 3 + b"CACACACACACTCACACACACGGCACACACACACACACAACACA\n" +
+               b">c %s\n%s\n>d\nACACACATACACACA\n>e\n" % (b"h" * 3000, RESIDUES))
     # A file of which the stream has no room for its buffer cannot be opened.
     ENDINGS = {153: TOO_LITTLE_MEMORY,
                154: b"as output file.\n\nAnalysis has been aborted due to errors. Error number: -102\n\n",
@@ -99,40 +101,40 @@ class MemoryThatEndsAnywhere(ProgramTest):
                     statuses.add(outcome.status)
             self.assertEqual(statuses, {0, 153})
 
-    @unittest.skipIf(SANITIZED, "sanitizers reserve terabytes of address space")
-    def test_a_record_that_fits_is_reported_though_the_next_one_does_not(self) -> None:
-        def run_within(limit: int, name: str) -> Outcome:
-            return self.run_program(name, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+    def allocations(self, mode: str) -> int:
+        self.complete_run(mode, LD_PRELOAD=FAILING_ALLOCATION, VORLAN_COUNT_ALLOCATIONS=str(self.folder / "count"))
+        return int(self.read("count"))
 
-        self.write("alone.fa", b">s\n" + RESIDUES + b"\n")
-        # Both are in the buffer of the input at once, so that the second is read before the first is searched.
-        self.write("both.fa", b">s\n" + RESIDUES + b"\n>" + 900 * KILOBYTE * b"h" + b"\n" + RESIDUES + b"\n>t\n")
-        enough = next(limit for limit in range(6 * MEGABYTE, 24 * MEGABYTE, 32 * KILOBYTE)
-                      if run_within(limit, "alone.fa").status == 0)
-        # The header is read into a buffer that doubles, and then copied.
-        ended = [run_within(enough + more * KILOBYTE, "both.fa") for more in range(300, 4000, 100)]
-        self.assertGreater([outcome.status for outcome in ended].count(153), 5)
-        self.assertEqual(ended[-1].status, 0)
-        for outcome in ended:
-            self.assertIn(block(b"s"), outcome.report)
+    def run_failing(self, mode: str, which: str) -> Outcome:
+        return self.run_program("--maskX", "-M", mode, "in.fa", env=ENVIRONMENT | {
+            "LD_PRELOAD": FAILING_ALLOCATION, "VORLAN_FAIL_ALLOCATION": which})
 
     @unittest.skipIf(SANITIZED, "sanitizers bring allocation functions of their own")
     def test_every_single_allocation_may_fail_alone_or_with_all_behind_it(self) -> None:
-        library = os.environ["VORLAN_FAILING_ALLOCATION_LIBRARY"]
         for mode in MODES:
-            complete = self.complete_run(mode, LD_PRELOAD=library,
-                                         VORLAN_COUNT_ALLOCATIONS=str(self.folder / "count"))
-            count = int(self.read("count"))
+            complete = self.complete_run(mode)
+            count = self.allocations(mode)
             self.assertGreater(count, 200)
             statuses = []
             for number in range(1, count + 1):
                 for suffix in ("", "+"):
                     with self.subTest(mode=mode, fails=f"{number}{suffix}"):
-                        outcome = self.run_program("--maskX", "-M", mode, "in.fa", env=ENVIRONMENT | {
-                            "LD_PRELOAD": library, "VORLAN_FAIL_ALLOCATION": f"{number}{suffix}"})
+                        outcome = self.run_failing(mode, f"{number}{suffix}")
                         self.assert_ended_well(outcome, complete)
                         statuses.append(outcome.status)
             self.assertGreater(statuses.count(153), count)
+
+    @unittest.skipIf(SANITIZED, "sanitizers bring allocation functions of their own")
+    def test_short_records_are_searched_though_the_next_one_does_not_fit(self) -> None:
+        def runs_without_a_search(data: bytes) -> int:
+            self.write("in.fa", data)
+            count = self.allocations("imperfect")
+            runs = [self.run_failing("imperfect", str(number)) for number in range(1, count + 1)]
+            return sum(not run.progress() for run in runs)
+
+        # Short records wait for those behind them to be read; but no more is needed for the first one to be searched.
+        first = self.RECORDS[:self.RECORDS.index(b">b")]
+        self.assertEqual(runs_without_a_search(self.RECORDS), runs_without_a_search(first))
 
 
 class EndedInTheMiddle(ProgramTest):

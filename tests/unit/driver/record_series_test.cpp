@@ -20,6 +20,12 @@ TEST_F(RecordSeriesTest, TakesRecordsThatDoNotFillTheFilterThemselves) {
   EXPECT_FALSE(RecordSeries::is_short(Dna(repeated("A", 4097))));
 }
 
+TEST_F(RecordSeriesTest, RecordsWithALongHeaderAreNotCopied) {
+  EXPECT_TRUE(RecordSeries::is_short(Dna("ACGT", std::string(RecordSeries::kLongestText, 'h'))));
+  EXPECT_FALSE(
+      RecordSeries::is_short(Dna("ACGT", std::string(RecordSeries::kLongestText + 1, 'h'))));
+}
+
 TEST_F(RecordSeriesTest, OnlyTheImperfectSearchHasAFilterToFill) {
   for (const SearchMode mode : {kExact, kExtendExact}) {
     global_search_mode = mode;

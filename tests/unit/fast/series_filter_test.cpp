@@ -15,7 +15,6 @@
 #include "config/settings.h"
 #include "description.h"
 #include "extension_settings.h"
-#include "imperfect/candidate_filter.h"
 #include "plain_candidate.h"
 #include "random.h"
 #include "random_residues.h"
@@ -35,9 +34,12 @@ struct JudgedSeries {
     filter.judge(UnitLengthThresholds::of_scores());
   }
 
+  JudgedStarts judged(std::size_t record) const { return filter.record(offsets[record]); }
+
+  /// Requires that the unit length is known.
   bool survives(std::size_t record, unsigned unit_length, std::size_t start) const {
     const auto position = static_cast<std::ptrdiff_t>(start);
-    return (filter.record(offsets[record]).survivors(unit_length, position) & 1) != 0;
+    return (judged(record).survivors(unit_length, position) & 1) != 0;
   }
 
   SeriesFilter filter;
@@ -62,6 +64,7 @@ TEST_F(SeriesFilterTest, KeepsEveryStartThatTheSlowTwinAcceptsInItsRecord) {
     for (std::size_t i = 0; i < records.size(); ++i) {
       const auto unit_length = static_cast<unsigned>(random.between(
           static_cast<int>(global_min_unit_length), static_cast<int>(global_max_unit_length)));
+      if (!series.judged(i).know(unit_length)) continue;
       const std::string_view record = records[i];
       const int min_score = reference::user_thresholds(settings, unit_length).score;
       for (std::size_t start = 0; start + unit_length < record.size(); ++start) {
@@ -112,40 +115,74 @@ TEST_F(SeriesFilterTest, SaysWhetherAnyOfTheStartsSurvives) {
   search_only(2);
   const std::string background = repeated("AGTC", 16);
   const JudgedSeries series({background, background + "ACACACACAC", "AGTC"});
-  const JudgedStarts judged = series.filter.record(series.offsets[1]);
+  const JudgedStarts judged = series.judged(1);
   EXPECT_FALSE(judged.any_survives(2, 50));
   EXPECT_TRUE(judged.any_survives(2, 66));
-  EXPECT_FALSE(series.filter.record(series.offsets[0]).any_survives(2, 50));
-  EXPECT_FALSE(series.filter.record(series.offsets[2]).any_survives(2, 2));
+  EXPECT_FALSE(series.judged(0).any_survives(2, 50));
+  EXPECT_FALSE(series.judged(2).any_survives(2, 2));
 }
 
 TEST_F(SeriesFilterTest, KnowsTheUnitLengthsOfTheSettings) {
   global_min_unit_length = 3;
   global_max_unit_length = 5;
-  const JudgedSeries series({"ACGTACGTACGT", "ACGT"});
-  const JudgedStarts judged = series.filter.record(0);
+  const JudgedSeries series({"ACGTTGCATCGA", "ACGT"});
+  const JudgedStarts judged = series.judged(0);
   EXPECT_FALSE(judged.know(2));
   EXPECT_TRUE(judged.know(3));
   EXPECT_TRUE(judged.know(5));
   EXPECT_FALSE(judged.know(6));
 }
 
-TEST_F(SeriesFilterTest, KnowsNoUnitLengthBeyondTheLongestRecordOrTheFilter) {
+TEST_F(SeriesFilterTest, KnowsNoUnitLengthBeyondTheLongestRecord) {
   global_max_unit_length = 1'000'000;
-  const JudgedSeries short_ones({"ACGTACGTACGT", "ACGT"});
-  EXPECT_TRUE(short_ones.filter.record(0).know(11));
-  EXPECT_FALSE(short_ones.filter.record(0).know(13));
-  const JudgedSeries longer(std::vector(2, repeated("ACGT", 100)));
-  EXPECT_TRUE(longer.filter.record(0).know(CandidateFilter::kLongestUnit));
-  EXPECT_FALSE(longer.filter.record(0).know(CandidateFilter::kLongestUnit + 1));
+  const JudgedSeries series({"ACGTTGCATCGA", "ACGT"});
+  EXPECT_TRUE(series.judged(0).know(11));
+  EXPECT_FALSE(series.judged(0).know(13));
+}
+
+TEST_F(SeriesFilterTest, KnowsNoUnitLengthThatIsTooDearToJudgeForARecordThatMayNotNeedIt) {
+  global_max_unit_length = 1'000'000;
+  Random random(3);
+  const std::string record = differential::random_residues(random, 300, "ACGT");
+  const JudgedSeries series({record, record});
+  EXPECT_TRUE(series.judged(0).know(SeriesFilter::kLongestUnit));
+  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit + 1));
+}
+
+// AC survives everywhere; its marks will close the records for longer units.
+TEST_F(SeriesFilterTest, KnowsNoUnitLengthBehindOneThatSurvivesInManyPlaces) {
+  const JudgedSeries series(std::vector(4, repeated("AC", 50)));
+  EXPECT_TRUE(series.judged(0).know(2));
+  EXPECT_FALSE(series.judged(0).know(3));
+}
+
+// Looks and answers go beyond the ends; a sanitizer sees if they go too far.
+TEST_F(SeriesFilterTest, KeepsArraysAtBothEndsOfTheSeries) {
+  constexpr std::size_t kArray = 120;
+  for (const std::size_t residues : {511U, 512U, 513U, 1023U, 1535U, 1536U, 1600U}) {
+    for (const unsigned unit_length : {1U, 2U, 10U, SeriesFilter::kLongestUnit}) {
+      SCOPED_TRACE(std::to_string(residues) + " residues, unit length " +
+                   std::to_string(unit_length));
+      search_only(unit_length);
+      Random random(residues);
+      const std::string unit = differential::random_residues(random, unit_length, "ACGT");
+      const std::string array = differential::array_of(unit, kArray);
+      const std::string background =
+          differential::random_residues(random, residues - 2 * kArray, "ACGT");
+      const JudgedSeries series({array, background, array});
+      EXPECT_TRUE(series.survives(0, unit_length, 0));
+      EXPECT_TRUE(series.survives(2, unit_length, kArray - unit_length - 1));
+      EXPECT_TRUE(series.judged(2).any_survives(unit_length, kArray - unit_length));
+    }
+  }
 }
 
 TEST_F(SeriesFilterTest, KnowsNothingOfUnitsThatAreAllTooLong) {
-  global_min_unit_length = 300;
+  global_min_unit_length = SeriesFilter::kLongestUnit + 1;
   global_max_unit_length = 400;
   const JudgedSeries series(std::vector(2, repeated("ACGT", 200)));
-  EXPECT_FALSE(series.filter.record(0).know(256));
-  EXPECT_FALSE(series.filter.record(0).know(300));
+  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit));
+  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit + 1));
 }
 
 TEST_F(SeriesFilterTest, KnowsNothingBeforeItHasJudged) {

@@ -187,12 +187,12 @@ TEST(InputFile, OnceMalformedLineEndsAreNeitherConvertedNorCounted) {
 }
 
 /// Whether a whole record waits, once the first character of the file has been looked at.
-bool holds_record(std::string_view bytes) {
+bool holds_record(std::string_view bytes, std::size_t longest = kFirstFill) {
   const TemporaryFile content(bytes);
   CFile file;
   file.open(content.name());
   file.peekchar();
-  return file.holds_record();
+  return file.holds_record(longest);
 }
 
 TEST(InputFile, HoldsARecordThatAnotherOneFollows) {
@@ -218,11 +218,17 @@ TEST(InputFile, ARecordIsNotHeldWhoseEndHasNotBeenReadFromTheFile) {
   EXPECT_FALSE(holds_record(record + "\n>b"));
 }
 
+TEST(InputFile, ALongerRecordThanAskedForIsNotHeld) {
+  EXPECT_TRUE(holds_record(">a\nAC\n>b", 6));
+  EXPECT_FALSE(holds_record(">a\nAC\n>b", 5));
+  EXPECT_FALSE(holds_record(">a\nAC\n>b", 0));
+}
+
 TEST(InputFile, HoldsNoRecordBeforeItIsRead) {
   const TemporaryFile content(">a\n>b\n");
   CFile file;
   file.open(content.name());
-  EXPECT_FALSE(file.holds_record());
+  EXPECT_FALSE(file.holds_record(kFirstFill));
 }
 
 TEST(InputFile, OpeningAgainStartsAnew) {
