@@ -17,6 +17,9 @@ CPU_LIMIT_SECONDS = 600
 # A program that takes longer than this per run varies little, so fewer runs will do.
 LONG_RUN_SECONDS = 20
 RUNS_WHEN_LONG = 3
+# One that takes less varies much, and more runs cost little.
+SHORT_RUN_SECONDS = 0.5
+RUNS_WHEN_SHORT = 15
 
 REPORT_NAME = "report.txt"
 
@@ -60,6 +63,8 @@ class Measurement:
             return False
         if self.cpu_seconds and self.cpu_seconds[0] > LONG_RUN_SECONDS:
             runs = min(runs, RUNS_WHEN_LONG)
+        elif self.cpu_seconds and self.cpu_seconds[0] < SHORT_RUN_SECONDS and runs > 1:
+            runs = max(runs, RUNS_WHEN_SHORT)
         return len(self.cpu_seconds) < runs
 
 

@@ -26,13 +26,13 @@ from typing import Optional, TypeVar
 
 import workloads
 from inputs import InputStore, Unavailable
-from measure import (CPU_LIMIT_SECONDS, LONG_RUN_SECONDS, RUNS_WHEN_LONG, Comparison, Measurement, Program, RunFailed,
-                     Task, compare, measure, usage_of)
+from measure import (CPU_LIMIT_SECONDS, LONG_RUN_SECONDS, RUNS_WHEN_LONG, RUNS_WHEN_SHORT, SHORT_RUN_SECONDS,
+                     Comparison, Measurement, Program, RunFailed, Task, compare, measure, usage_of)
 from workloads import Faster, Growth, Memory, Throughput, Work
 
 BENCH = Path(__file__).resolve().parent
 DEFAULT_RUNS = 5
-# Growth and memory compare Vorlan with itself: ratios of long runs, far from their limits.
+# Growth and memory compare Vorlan with itself; the long runs among them are far from their limits.
 GROWTH_RUNS = 3
 QUICK_DIVISOR = 40
 
@@ -241,7 +241,8 @@ def preface(bench: Bench, smallest_peak: int, build: Path, date: datetime.date) 
         f"machine: {machine()}",
         f"compiler: {compiler(build)}",
         f"runs: {bench.runs} of each program, alternating, of which the median is given; {RUNS_WHEN_LONG} for a "
-        f"program that takes more than {LONG_RUN_SECONDS} s per run; at most {GROWTH_RUNS} where Vorlan runs alone",
+        f"program that takes more than {LONG_RUN_SECONDS} s per run; {GROWTH_RUNS} where Vorlan runs alone; "
+        f"{RUNS_WHEN_SHORT} of a program that takes less than {SHORT_RUN_SECONDS} s",
         f"CPU seconds: user and system; a run is stopped at {CPU_LIMIT_SECONDS}",
         f"peak MB: largest resident memory of any run, in 10^6 bytes; up to {megabytes(smallest_peak)} it may be "
         "that of the measuring process",
