@@ -28,7 +28,6 @@ class RecordSeries {
   /// Whether a record is worth waiting for others.
   static bool is_short(const CSequence_Mol& sequence);
 
-  bool is_empty() const { return size_ == 0; }
   bool is_full() const;
 
   /// Adds a copy of a record. Requires that it is short and the series not full. Throws
