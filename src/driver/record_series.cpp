@@ -16,6 +16,8 @@ constexpr std::uint32_t kMostResiduesOfRecord = 4096;
 
 /// Enough to fill the lanes many times over, and still at home in the cache.
 constexpr std::size_t kMostResidues = 32768;
+
+/// Records without residues would never fill a series.
 constexpr std::size_t kMostRecords = 1024;
 
 }  // namespace

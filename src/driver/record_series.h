@@ -22,7 +22,8 @@ class RecordSeries {
     std::size_t offset = 0;  ///< In the series.
   };
 
-  /// A record whose text in the input is longer is not worth waiting for.
+  /// Bytes of a record in the input: room for any line width around the residues of a short one. A
+  /// longer one, with its header, would take more memory than waiting is worth.
   static constexpr std::size_t kLongestText = 10'000;
 
   /// Whether a record is worth waiting for others.

@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::size_t kBitsPerWord = BitPlanes::kBitsPerWord;
 
+static_assert(SeriesFilter::kLongestUnit <= CandidateFilter::kLongestUnit);
+
 /// With more survivors than one for so many residues, most records hold repeats. Their marks close
 /// what longer units would have to judge here.
 constexpr std::size_t kFewResiduesPerSurvivor = 4;

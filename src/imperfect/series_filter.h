@@ -29,7 +29,8 @@ namespace vorlan {
 
 class JudgedStarts;
 
-/// Judges the starts of all unit lengths in several records together.
+/// Judges the starts of several records together, for one unit length after the other. Positions
+/// count from 0, in the series or in the record.
 ///
 /// Use: append the records, judge, ask for each record; clear before the next series.
 class SeriesFilter {
@@ -45,8 +46,8 @@ class SeriesFilter {
     longest_unit_ = 0;
   }
 
-  /// Adds a record; returns its offset in the series. Throws std::bad_alloc; the records
-  /// before it stay.
+  /// Adds a record; returns its offset in the series. Throws std::bad_alloc; the records before it
+  /// stay.
   std::size_t append(std::string_view residues) {
     const std::size_t begin = residues_.size();
     residues_ += residues;
