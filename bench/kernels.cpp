@@ -180,6 +180,7 @@ void report(benchmark::State& state, const std::string& residues) {
   CSearchController controller(1, *sequence);
   controller.complete_imperfect_search(nullptr);
   controller.remove_hidden(controller.imperfect_sats);
+  controller.complete_events(controller.imperfect_sats);
   std::int64_t bases = 0;
   for (const vorlan::Csat* sat : controller.imperfect_sats) bases += sat->pos_right - sat->pos_left;
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "config/settings.h"
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 #include "plain_search.h"
 #include "search/csearchcontroller.h"
 

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "config/settings.h"
-#include "search/thresholds.h"
+#include "search/csearchcontroller.h"
 
 namespace vorlan {
 namespace {
@@ -41,7 +41,7 @@ void RecordSeries::add(std::uint32_t number, const CSequence_Mol& sequence) {
 }
 
 void RecordSeries::judge() try {
-  if (size_ > 1) filter_.judge(UnitLengthThresholds::of_scores());
+  if (size_ > 1) filter_.judge(CSearchController::user_min_scores());
 } catch (const std::bad_alloc&) {
   filter_.clear();
 }

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <deque>
 
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 #include "input/csequence_mol.h"
 
 namespace vorlan {
@@ -41,7 +41,7 @@ class RecordSeries {
 
   std::size_t size() const { return size_; }
   Record& operator[](std::size_t index) { return records_[index]; }
-  JudgedStarts judged_starts(const Record& record) const { return filter_.record(record.offset); }
+  SeriesSurvivors survivors(const Record& record) const { return filter_.record(record.offset); }
 
   /// Forgets the records.
   void clear();

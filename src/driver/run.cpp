@@ -43,6 +43,8 @@ int abort_run(int code) {
 /// The files of a run and its loop over the records of the input.
 class Run {
  public:
+  explicit Run(const Accelerations& accelerations) : accelerations_(accelerations) {}
+
   int execute() {
     input_.open(global_input_filename.c_str());
     if (input_.fail()) return abort_without_input();
@@ -121,23 +123,25 @@ class Run {
   }
 
   void search_series() {
-    series_.judge();
+    if (accelerations_.series_filter) series_.judge();
     for (std::size_t i = 0; i < series_.size(); ++i) {
       RecordSeries::Record& record = series_[i];
-      const JudgedStarts judged = series_.judged_starts(record);
-      search_record(record.number, record.sequence, &judged);
+      const SeriesSurvivors survivors = series_.survivors(record);
+      search_record(record.number, record.sequence, &survivors);
     }
     series_.clear();
   }
 
-  // `judged` is what is known of the starts of the record, or null.
-  void search_record(std::uint32_t number, CSequence_Mol& sequence, const JudgedStarts* judged) {
+  // `survivors` is what is known of the starts of the record, or null.
+  void search_record(std::uint32_t number, CSequence_Mol& sequence,
+                     const SeriesSurvivors* survivors) {
     report_status(number, sequence.name.terminate(), global_min_unit_length, 'r');
     update_report_time();
-    CSearchController controller(number, sequence, search_console());
-    controller.use(judged);
+    CSearchController controller(number, sequence, search_console(), accelerations_);
+    controller.set_series_survivors(survivors);
     CsatContainer& sats = search(controller);
     controller.remove_hidden(sats);
+    controller.complete_events(sats);
     controller.report_SATList(report_->stream(), sats);
     report_->check();
     if (masked_) {
@@ -187,6 +191,7 @@ class Run {
     return kSuccess;
   }
 
+  Accelerations accelerations_;
   CSequence_Mol sequence_{CSequence_Mol::kDna, kReservedResidues};
   RecordSeries series_;
   CFile input_;
@@ -233,7 +238,7 @@ bool is_lack_of_memory(const std::exception_ptr& exception) try {
 
 }  // namespace
 
-int run(int argc, const char* const* argv) try {
+int run(int argc, const char* const* argv, const Accelerations& accelerations) try {
   std::set_terminate(terminated);
   keep_output_descriptors();
   time_analysis_started = std::time(nullptr);
@@ -242,7 +247,7 @@ int run(int argc, const char* const* argv) try {
   if (const int result = read_and_init_parameters(argc, argv); result != 0) {
     return abort_run(result);
   }
-  return Run().execute();
+  return Run(accelerations).execute();
 } catch (const OutputNotOpened& file) {
   return output_not_opened(file);
 } catch (const WriteFailed& file) {

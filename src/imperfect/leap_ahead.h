@@ -1,90 +1,88 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
+// The look-ahead of the extension ("leap ahead"), as it is defined.
+//
+// Where the sequence departs from the unit, the extension asks which edit promises most: it walks
+// on behind a mismatch, an insertion and a deletion, and at the next difference asks again, one
+// level deeper. The value of an edit is the highest score that any of these ways reaches. At most
+// `maximum_recursion_depth` edits are explored in a row, the one that is asked about included.
+//
+// An edit is tried only while the score stays above the threshold. The best score on the way down
+// enters that threshold; what siblings have reached does not.
+//
+// Example, unit AC, penalties 5, floor -3, at G of AC|GCACACAC with score 0:
+//   - after the mismatch the score is -5, which is not above -3: not tried, and no indel either.
+// The same with score 6: the mismatch leaves 1 and walks over CACACAC to 8. After the insertion the
+// unit waits with A at C: a mismatch there would leave -4, so the value is 1; likewise after the
+// deletion, where C waits at G. The mismatch is chosen.
+
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
-#include "imperfect/alignment_settings.h"
-#include "imperfect/direction.h"
+#include "imperfect/moves.h"
+#include "search/walk.h"
 
 namespace vorlan {
 
-/// What an extension can do where the sequence departs from the unit.
-enum class Move : std::uint8_t { kNone, kMismatch, kInsertion, kDeletion };
+/// A move and the highest score that is reached behind it.
+struct Choice {
+  Move move;
+  std::int64_t value;
+};
 
-/// The look-ahead of the extension ("leap ahead"): the highest score that any way of going on
-/// reaches, when at most `maximum_recursion_depth` edits beyond the driver's own are explored.
-///
-/// Idea: walk over matches and N, then try a mismatch, an insertion and a deletion, each followed
-/// by a look-ahead one level deeper. A move is tried only while it keeps the score above the
-/// threshold; the best score seen on the way down, not by siblings, enters that threshold.
-///
-/// Example: unit AC, next residues ACGCACAC, score 0, mismatch -5. The walk gives 2 at G; the
-/// mismatch branch goes on with -3 over CACAC to 2 at the end; the result is max(2, 2) = 2.
-///
-/// Cost: up to 3^depth walks. Allocates nothing, changes no state.
+/// See above. Cost: up to 3^depth walks. Allocates nothing, changes no state.
 template <class Direction>
 class LeapAhead {
  public:
-  LeapAhead(const AlignmentSettings& settings, UnitSpan unit, const char* stop)
-      : settings_(settings), unit_(unit), stop_(stop) {}
+  /// `scoring` must outlive this.
+  LeapAhead(const Scoring& scoring, const UnitSpan& unit, const char* stop)
+      : scoring_(scoring), unit_(unit), stop_(stop) {}
 
-  /// `place` and `cursor` are the residue and the unit base to be aligned next, `score` what the
-  /// path has reached, `level` the number of edits so far, which wraps at 8 bits (depths above 255
-  /// are therefore never met), `best` the best score on the path so far.
-  std::int64_t explore(const char* place, const char* cursor, std::int64_t score,
-                       std::uint8_t level, std::int64_t best) const {
-    while (!Direction::at_stop(place, stop_)) {
-      const char residue = *Direction::residue(place);
-      if (residue == *cursor) {
-        ++score;
-      } else if (residue != 'N' || settings_.longest_N_run == 0) {
-        break;
-      }
-      // An N run of any length is walked through, also one that would stop the driver.
-      place = Direction::next(place);
-      cursor = Direction::next_unit_base(cursor, unit_);
-    }
-    if (level == settings_.maximum_recursion_depth || Direction::at_stop(place, stop_)) {
-      return score;
-    }
-    best = std::max(best, score);
-    return std::max(score, best_move(place, cursor, score, level, best).value);
-  }
-
-  /// A move and the highest score that can be reached after it.
-  struct Choice {
-    Move move;
-    std::int64_t value;
-  };
-
-  /// The move that the look-ahead at `level` + 1 values most; on equal values mismatch before
-  /// insertion before deletion. kNone when the threshold allows none.
-  Choice best_move(const char* place, const char* cursor, std::int64_t score, std::uint8_t level,
+  /// The move that is valued most; on equal values mismatch before insertion before deletion. kNone
+  /// when the threshold allows none. `score` is what the alignment has reached at `front`, where
+  /// residue and unit base differ; `best` is the best score on the way there, and `level` the
+  /// number of edits explored so far.
+  Choice best_move(const Front& front, std::int64_t score, std::uint8_t level,
                    std::int64_t best) const {
-    const std::int64_t threshold = settings_.threshold(best, unit_.length());
-    const auto next_level = static_cast<std::uint8_t>(level + 1);
-    const char* next_place = Direction::next(place);
-    const char* next_cursor = Direction::next_unit_base(cursor, unit_);
+    const std::int64_t threshold = scoring_.threshold(best, unit_.length());
     Choice choice{Move::kNone, -unit_.length() - 1};
-    const std::int64_t after_mismatch = score + settings_.mismatch_score;
-    if (threshold < after_mismatch) {
-      choice = {Move::kMismatch,
-                explore(next_place, next_cursor, after_mismatch, next_level, best)};
+    if (threshold < score + scoring_.mismatch_score) {
+      choice = {Move::kMismatch, value_of<Move::kMismatch>(front, score, level, best)};
     }
-    const std::int64_t after_indel = score + settings_.indel_score;
-    if (threshold < after_indel) {
-      const std::int64_t insertion = explore(next_place, cursor, after_indel, next_level, best);
+    if (threshold < score + scoring_.indel_score) {
+      const std::int64_t insertion = value_of<Move::kInsertion>(front, score, level, best);
       if (insertion > choice.value) choice = {Move::kInsertion, insertion};
-      const std::int64_t deletion = explore(place, next_cursor, after_indel, next_level, best);
+      const std::int64_t deletion = value_of<Move::kDeletion>(front, score, level, best);
       if (deletion > choice.value) choice = {Move::kDeletion, deletion};
     }
     return choice;
   }
 
+  /// The highest score on any way from `front`, which an edit has led to: the value of that edit.
+  std::int64_t explore(Front front, std::int64_t score, std::uint8_t level,
+                       std::int64_t best) const {
+    // An N run of any length is walked through, also one that would stop the extension. Deliberate.
+    const std::ptrdiff_t longest_N_run = scoring_.longest_N_run == 0 ? 0 : kAnyNRun;
+    Steps steps;
+    const WalkEnd end = walk<Direction>(front, unit_, stop_, longest_N_run, steps);
+    score += steps.matches;
+    if (level == scoring_.maximum_recursion_depth || end == WalkEnd::kStop) return score;
+    return std::max(score, best_move(front, score, level, std::max(best, score)).value);
+  }
+
  private:
-  const AlignmentSettings& settings_;
+  // Levels wrap at 8 bits: a depth above 255 is never met.
+  template <Move move>
+  std::int64_t value_of(const Front& front, std::int64_t score, std::uint8_t level,
+                        std::int64_t best) const {
+    return explore(after<Direction>(move, front, unit_), score + score_of(move, scoring_),
+                   static_cast<std::uint8_t>(level + 1), best);
+  }
+
+  const Scoring& scoring_;
   UnitSpan unit_;
   const char* stop_;
 };

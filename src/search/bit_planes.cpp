@@ -31,7 +31,7 @@ BitPlanes::BitPlanes(const char* seq_begin, std::size_t seq_len, std::size_t mar
   const std::size_t all_words = words + 2 * margin_words_;
   low_.assign(all_words, kAll);
   high_.assign(all_words, 0);
-  special_.assign(all_words, kAll);
+  no_base_.assign(all_words, kAll);
   for (std::size_t word = 0; word < words; ++word) {
     const std::size_t first = word * kBitsPerWord;
     fill_word(margin_words_ + word, seq_begin + first,
@@ -43,18 +43,18 @@ BitPlanes::BitPlanes(const char* seq_begin, std::size_t seq_len, std::size_t mar
 void BitPlanes::fill_word(std::size_t word, const char* letters, std::size_t count) {
   std::uint64_t low = 0;
   std::uint64_t high = 0;
-  std::uint64_t special = 0;
+  std::uint64_t no_base = 0;
   for (std::size_t i = 0; i < count; i += kLettersPerLoad) {
     std::uint64_t eight = 0;
     std::memcpy(&eight, letters + i, std::min(kLettersPerLoad, count - i));
     low |= gather_bits(eight, 1) << i;
     high |= gather_bits(eight, 2) << i;
-    special |= gather_bits(eight, 3) << i;
+    no_base |= gather_bits(eight, 3) << i;
   }
   const std::uint64_t outside = count == kBitsPerWord ? 0 : kAll << count;
-  low_[word] = (low & ~special) | outside;
-  high_[word] = high & ~special;
-  special_[word] = special | outside;
+  low_[word] = (low & ~no_base) | outside;
+  high_[word] = high & ~no_base;
+  no_base_[word] = no_base | outside;
 }
 
 }  // namespace vorlan

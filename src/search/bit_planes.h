@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "search/bit_words.h"
+
 namespace vorlan {
 
 /// The residues of a sequence as bits, so that one machine word stands for 64 positions: bit i of a
@@ -16,13 +18,12 @@ namespace vorlan {
 /// Memory: 3/8 byte per residue and margin position.
 class BitPlanes {
  public:
-  static constexpr std::ptrdiff_t kBitsPerWord = 64;
-
-  /// Base bits are low/high; with `special` set, low = 0 means N and low = 1 outside.
+  /// Base bits are low/high. Where `no_base` is set there is none: low = 0 means N, low = 1 outside
+  /// the sequence. All can be read with `bits_at`.
   struct Words {
     const std::uint64_t* low;
     const std::uint64_t* high;
-    const std::uint64_t* special;
+    const std::uint64_t* no_base;
   };
 
   /// `margin` is the number of positions that must be readable on either side. Throws
@@ -33,17 +34,10 @@ class BitPlanes {
   static std::uint64_t low_bit(char base) { return static_cast<unsigned char>(base) >> 1 & 1U; }
   static std::uint64_t high_bit(char base) { return static_cast<unsigned char>(base) >> 2 & 1U; }
 
-  /// The 64 bits of a plane from position `first` on, which may lie in the margin.
-  static std::uint64_t bits_at(const std::uint64_t* plane, std::ptrdiff_t first) {
-    const std::ptrdiff_t shift = first & (kBitsPerWord - 1);
-    const std::uint64_t* word = plane + (first - shift) / kBitsPerWord;
-    return (word[0] >> shift) | ((word[1] << 1) << (kBitsPerWord - 1 - shift));
-  }
-
   /// The planes from the word that holds residue 0. Words before it belong to the left margin.
   Words words() const {
     const std::size_t first = margin_words_;
-    return {low_.data() + first, high_.data() + first, special_.data() + first};
+    return {low_.data() + first, high_.data() + first, no_base_.data() + first};
   }
 
  private:
@@ -52,7 +46,7 @@ class BitPlanes {
   std::size_t margin_words_;
   std::vector<std::uint64_t> low_;
   std::vector<std::uint64_t> high_;
-  std::vector<std::uint64_t> special_;
+  std::vector<std::uint64_t> no_base_;
 };
 
 }  // namespace vorlan

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "search/bit_words.h"
 #include "search/csat.h"
 
 namespace vorlan {
@@ -16,8 +17,6 @@ namespace vorlan {
 /// is always open. One bit per residue.
 class CAnchorSeq {
  public:
-  static constexpr std::ptrdiff_t kBitsPerWord = 64;
-
   /// All marks open. Throws std::bad_alloc.
   CAnchorSeq(const char* seq_begin, std::size_t seq_len);
 
@@ -25,9 +24,14 @@ class CAnchorSeq {
   void reset();
 
   /// The 64 starts from residue `word` * 64 on whose stretch of `unit_length` residues may be tried
-  /// as a unit, one bit for each: of the four marks before and behind its two ends, two that belong
-  /// to one and the same shift of it are open. Bits for starts without room in the sequence are
-  /// without meaning. Requires that the first of the starts has room.
+  /// as a unit, one bit for each. A stretch may be tried if both marks at its ends are open, or
+  /// both after it is shifted by one residue to the left or to the right at one end:
+  ///
+  ///     marks      before|first ...  last|after
+  ///     open       first and last, or before and last, or first and after
+  ///
+  /// Bits for starts without room in the sequence are without meaning. Requires that the first of
+  /// the starts has room.
   std::uint64_t may_anchor(std::ptrdiff_t word, std::size_t unit_length) const {
     const auto position = word * kBitsPerWord;
     const std::uint64_t first = marks_from(position);
@@ -61,10 +65,7 @@ class CAnchorSeq {
 
   /// The marks of 64 positions from `position` on.
   std::uint64_t marks_from(std::ptrdiff_t position) const {
-    const auto bit = static_cast<std::size_t>(position + kWordsBefore * kBitsPerWord);
-    const std::size_t shift = bit % kBitsPerWord;
-    const std::uint64_t* word = words_.data() + bit / kBitsPerWord;
-    return (word[0] >> shift) | ((word[1] << 1) << (kBitsPerWord - 1 - shift));
+    return bits_at(words_.data() + kWordsBefore, position);
   }
 
   const char* seq_begin_;

@@ -93,7 +93,13 @@ class Csat {
   std::unique_ptr<AuxObject> aux_object;
   std::uint8_t recursion_level = 0;  ///< Where the look-ahead starts counting; always 0.
   fastvector<Missense> missense;
-  bool events_pending = false;  ///< `missense` is not complete; see restore_events.
+  bool events_pending = false;  ///< `missense` is not complete; see complete_events.
+};
+
+/// What a candidate is before it is extended over edits.
+enum class SeedKind : std::uint8_t {
+  kUnit,           ///< One copy of its unit.
+  kPerfectRepeat,  ///< The perfect repeat around that copy.
 };
 
 /// Order of result lists: by start, then by end. Equal spans compare equal.

@@ -26,20 +26,30 @@ std::optional<UnitLengthThresholds> CSearchController::minScores_intern;
 std::optional<UnitLengthThresholds> CSearchController::minLengths_intern;
 
 CSearchController::CSearchController(unsigned number, CSequence_Mol& molecule,
-                                     const SearchConsole& console)
+                                     const SearchConsole& console,
+                                     const Accelerations& accelerations)
     : sequence_number(number),
       sequence(molecule),
       exact_sats(sat_alloc),
       imperfect_sats(sat_alloc),
-      console_(console) {
-  if (!minScores_user) {
-    minScores_user = UnitLengthThresholds::of_scores();
-    minLengths_user = UnitLengthThresholds::of_lengths();
-    minScores_intern = UnitLengthThresholds::at_least_unit_length(kSmallestSeedScore);
-    minLengths_intern.emplace(0, 0, 0.0F);
-  }
+      console_(console),
+      accelerations_(accelerations) {
+  set_thresholds();
   minScores = &*minScores_user;
   minLengths = &*minLengths_user;
+}
+
+void CSearchController::set_thresholds() {
+  if (minScores_user) return;
+  minScores_user = UnitLengthThresholds::of_scores();
+  minLengths_user = UnitLengthThresholds::of_lengths();
+  minScores_intern = UnitLengthThresholds::at_least_unit_length(kSmallestSeedScore);
+  minLengths_intern.emplace(0, 0, 0.0F);
+}
+
+const UnitLengthThresholds& CSearchController::user_min_scores() {
+  set_thresholds();
+  return *minScores_user;
 }
 
 void CSearchController::reset_minimum_arrays() {

@@ -8,8 +8,10 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "input/csequence_mol.h"
+#include "search/accelerations.h"
 #include "search/csat.h"
 #include "search/search_console.h"
 #include "search/thresholds.h"
@@ -18,13 +20,13 @@ namespace vorlan {
 
 class BitPlanes;
 class CAnchorSeq;
-class JudgedStarts;
-class UnitPaths;
-struct ExtensionContext;
+class RecordSearch;     // what the imperfect searches of the record share; in imperfect/
+class SeriesSurvivors;  // what is known of its starts beforehand; in imperfect/
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
-/// searching. Construct one for each record, call one search, then `remove_hidden` and
-/// `report_SATList` on the list that the search filled, and destroy it, which recycles all records.
+/// searching. Construct one for each record, call one search, then `remove_hidden`,
+/// `complete_events` and `report_SATList` on the list that the search filled, and destroy it, which
+/// recycles all records.
 ///
 /// Positions are pointers into `sequence.residues`, which must outlive the controller unchanged.
 class CSearchController {
@@ -33,7 +35,10 @@ class CSearchController {
   /// appear in progress lines. The first construction of a run sets the thresholds from the
   /// settings; later ones keep them.
   CSearchController(unsigned sequence_number, CSequence_Mol& sequence,
-                    const SearchConsole& console = {});
+                    const SearchConsole& console = {}, const Accelerations& accelerations = {});
+
+  /// The least scores of the user for this run; sets the thresholds like the first construction.
+  static const UnitLengthThresholds& user_min_scores();
 
   /// Forgets the thresholds; the next construction takes them from the settings again.
   static void reset_minimum_arrays();
@@ -50,25 +55,29 @@ class CSearchController {
   /// in `imperfect_sats`, sorted. The stream is not used.
   void complete_imperfect_search(std::FILE* out);
 
-  /// Lets `complete_imperfect_search` use what a filter has found out about the starts of this
-  /// record, or null; it must outlive the search. Matters only for speed.
-  void use(const JudgedStarts* judged) { judged_starts_ = judged; }
+  /// Hands `complete_imperfect_search` what the filter of a series has found out about the starts
+  /// of this record, or null; it must outlive the search. Matters only for speed.
+  void set_series_survivors(const SeriesSurvivors* survivors) { series_survivors_ = survivors; }
 
   /// Thins a sorted list: of two repeats of which one is mostly hidden by the other, the one with
   /// the lower score goes, or the later one. Keeps all unless `global_remove_mostly_hidden`.
-  /// Completes the events of the repeats that stay.
   void remove_hidden(CsatContainer& sats);
+
+  /// Finds the events of those repeats of the list that were accepted without noting them all. To
+  /// be called before anything reads the events; `remove_hidden` before leaves fewer to find.
+  void complete_events(CsatContainer& sats);
 
   /// Writes the block of this sequence: header, an entry for each repeat of the list, footer; then
   /// flushes. See output/report.h.
   void report_SATList(std::FILE* stream, const std::list<Csat*>& sats);
 
-  /// Extends `sat` to the right, up to `stop`, one past the last residue, over mismatches,
-  /// insertions, deletions and short N runs. Leaves the best alignment found in `sat`.
-  void extend_imperfect_forward(Csat& sat, const char* stop);
+  /// Extends `sat` to the right over mismatches, insertions, deletions and short N runs, and leaves
+  /// the best alignment found in `sat`. Requires that `seq_end` is one past the last residue.
+  void extend_imperfect_forward(Csat& sat, const char* seq_end);
 
-  /// The mirror image: extends to the left, down to and including the first residue `stop`.
-  void extend_imperfect_backward(Csat& sat, const char* stop);
+  /// The mirror image: extends to the left. Requires that `left_stop` is the first residue, before
+  /// which there is nothing to extend over.
+  void extend_imperfect_backward(Csat& sat, const char* left_stop);
 
   unsigned sequence_number;
   CSequence_Mol& sequence;
@@ -86,6 +95,9 @@ class CSearchController {
   static std::optional<UnitLengthThresholds> minLengths_intern;
 
  private:
+  static void set_thresholds();
+
+  std::string_view residues() const { return sequence.residues.view(); }
   const char* seq_begin() const { return sequence.residues.buf; }
   const char* seq_end() const { return sequence.residues.buf + sequence.residues.size; }
   std::size_t seq_length() const { return sequence.residues.size; }
@@ -98,19 +110,20 @@ class CSearchController {
   using TakeRepeat = std::function<void(SpareSat& spare, Csat& sat)>;
 
   /// Finds the perfect repeats of every unit length in range: shorter units first, then from left
-  /// to right.
-  void find_perfect_repeats(const TakeRepeat& take);
+  /// to right. Requires that `planes` have the margin of ExactFilter for the longest unit.
+  void find_perfect_repeats(const BitPlanes& planes, const TakeRepeat& take);
   void find_perfect_repeats(unsigned unit_length, const BitPlanes& planes, CAnchorSeq& mask,
                             const TakeRepeat& take);
   bool is_shown(const Csat& sat) const;
 
-  void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
-                                              ExtensionContext& context, UnitPaths& paths,
-                                              CAnchorSeq& anchors, std::list<Csat*>& results);
-  /// Finds the events of a repeat that was found without noting them all. An alignment is a
-  /// function of its start, so it is made again; of the thousands of long alignments that an array
-  /// yields, nearly all are removed and never need theirs.
-  void restore_events(Csat& sat);
+  /// Extends a seed over edits and tells whether it is accepted then.
+  using ExtendSeed = std::function<bool(Csat& seed)>;
+
+  /// The extend-exact mode but for the extension itself.
+  void extend_seeds(const BitPlanes& planes, const ExtendSeed& extend);
+
+  void one_unit_len_complete_imperfect_search(unsigned unit_len, CAnchorSeq& anchors,
+                                              std::list<Csat*>& results);
 
   /// How far the scan for a unit length has asked for progress.
   struct ScanProgress {
@@ -123,17 +136,14 @@ class CSearchController {
   void report_progress(ScanProgress& progress, std::ptrdiff_t end,
                        std::ptrdiff_t first_visited = 0);
 
-  struct Extender;
-  struct ExtenderDeleter {
-    void operator()(Extender* extender) const;
-  };
-  Extender& extender();
-  bool accept_extended(Csat& seed);
+  /// Made when it is first needed, for seeds of this kind.
+  RecordSearch& record_search(SeedKind seed);
 
   SearchConsole console_;
-  const JudgedStarts* judged_starts_ = nullptr;
-  bool extends_perfect_repeats_ = false;                 ///< Rather than bare units.
-  std::unique_ptr<Extender, ExtenderDeleter> extender_;  ///< Made when it is first needed.
+  Accelerations accelerations_;
+  const SeriesSurvivors* series_survivors_ = nullptr;
+  std::shared_ptr<RecordSearch>
+      record_search_;  ///< Shared by none: imperfect/ knows how to delete.
 };
 
 }  // namespace vorlan

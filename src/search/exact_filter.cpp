@@ -15,7 +15,7 @@ namespace {
 /// Longer runs are asked for only up to this length. It bounds what has to be looked at on either
 /// side of a block, and a run of this length is rare enough.
 constexpr std::size_t kLongestRun = 256;
-constexpr std::size_t kSideWords = kLongestRun / BitPlanes::kBitsPerWord;
+constexpr std::size_t kSideWords = kLongestRun / kBitsPerWord;
 constexpr std::size_t kWindowWords = StartBlock::kWords + 2 * kSideWords;
 
 /// A block of starts with what lies on either side of it.
@@ -29,14 +29,12 @@ std::uint64_t word_at(const Window& window, std::ptrdiff_t index) {
 
 /// Bit i of the result is bit i + distance of `window`; distance may be negative.
 Window shifted(const Window& window, std::ptrdiff_t distance) {
-  const std::ptrdiff_t bits = BitPlanes::kBitsPerWord;
-  const std::ptrdiff_t shift = distance & (bits - 1);
-  const std::ptrdiff_t words = (distance - shift) / bits;
+  const std::ptrdiff_t shift = distance & (kBitsPerWord - 1);
+  const std::ptrdiff_t words = (distance - shift) / kBitsPerWord;
   Window result;
   for (std::size_t i = 0; i < kWindowWords; ++i) {
     const std::ptrdiff_t index = static_cast<std::ptrdiff_t>(i) + words;
-    result[i] = (word_at(window, index) >> shift) |
-                ((word_at(window, index + 1) << 1) << (bits - 1 - shift));
+    result[i] = bits_across(word_at(window, index), word_at(window, index + 1), shift);
   }
   return result;
 }
@@ -76,24 +74,21 @@ ExactFilter::ExactFilter(const BitPlanes& planes, std::size_t unit_length, int m
       bridges_N_(!global_treat_Ns_as_missense && global_Ns_allowed_in_a_row > 0) {}
 
 std::size_t ExactFilter::margin(std::size_t unit_length) {
-  return unit_length + StartBlock::kStarts + kLongestRun + 2 * BitPlanes::kBitsPerWord;
+  return unit_length + StartBlock::kStarts + kLongestRun + 2 * kBitsPerWord;
 }
 
 std::uint64_t ExactFilter::equal_pairs(std::ptrdiff_t word) const {
-  const std::ptrdiff_t bits = BitPlanes::kBitsPerWord;
-  const std::ptrdiff_t shift = unit_length_ % bits;
-  const std::ptrdiff_t other = word + unit_length_ / bits;
-  const auto there = [=](const std::uint64_t* plane) {
-    return (plane[other] >> shift) | ((plane[other + 1] << 1) << (bits - 1 - shift));
+  const auto there = [&](const std::uint64_t* plane) {
+    return bits_at(plane, word * kBitsPerWord + unit_length_);
   };
   const std::uint64_t low = planes_.low[word];
   const std::uint64_t low_there = there(planes_.low);
   const std::uint64_t equal = ~((low ^ low_there) | (planes_.high[word] ^ there(planes_.high)));
-  const std::uint64_t special = planes_.special[word];
-  const std::uint64_t special_there = there(planes_.special);
-  if (!bridges_N_) return equal & ~(special | special_there);
-  const std::uint64_t outside = (special & low) | (special_there & low_there);
-  return (equal | special | special_there) & ~outside;
+  const std::uint64_t no_base = planes_.no_base[word];
+  const std::uint64_t no_base_there = there(planes_.no_base);
+  if (!bridges_N_) return equal & ~(no_base | no_base_there);
+  const std::uint64_t outside = (no_base & low) | (no_base_there & low_there);
+  return (equal | no_base | no_base_there) & ~outside;
 }
 
 void ExactFilter::keep_survivors(std::ptrdiff_t first_word, std::uint64_t* starts) const {

@@ -30,7 +30,7 @@ namespace vorlan {
 // are kept out of repeats by the marks alone.
 void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlanes& planes,
                                              CAnchorSeq& mask, const TakeRepeat& take) {
-  const PerfectExtension extension(seq_begin(), seq_end());
+  const PerfectExtension extension(residues());
   const int min_score = (*minScores)[unit_length];
   const int min_length = (*minLengths)[unit_length];
   const ExactFilter filter(planes, unit_length, min_score);
@@ -40,7 +40,9 @@ void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlan
   std::ptrdiff_t next_start = 0;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
     StartBlock block(begin, scan.starts(), unit_length, mask, planes);
-    if (block.has_survivors()) filter.keep_survivors(block.first_word(), block.survivors());
+    if (accelerations_.exact_filter && block.has_survivors()) {
+      filter.keep_survivors(block.first_word(), block.survivors());
+    }
     block.collect(begin, mask);
     for (std::ptrdiff_t offset = block.take(); offset >= 0; offset = block.take()) {
       report_progress(progress, offset + 1, next_start);
@@ -70,9 +72,8 @@ bool CSearchController::is_shown(const Csat& sat) const {
   return global_min_perfection <= perfection && perfection <= global_max_perfection;
 }
 
-void CSearchController::find_perfect_repeats(const TakeRepeat& take) {
+void CSearchController::find_perfect_repeats(const BitPlanes& planes, const TakeRepeat& take) {
   CAnchorSeq mask(seq_begin(), seq_length());
-  const BitPlanes planes(seq_begin(), seq_length(), ExactFilter::margin(longest_unit()));
   for (unsigned unit_length = global_min_unit_length; unit_length <= longest_unit();
        ++unit_length) {
     find_perfect_repeats(unit_length, planes, mask, take);
@@ -80,8 +81,9 @@ void CSearchController::find_perfect_repeats(const TakeRepeat& take) {
 }
 
 void CSearchController::exact_search_2() {
+  const BitPlanes planes(seq_begin(), seq_length(), ExactFilter::margin(longest_unit()));
   find_perfect_repeats(
-      [this](SpareSat& spare, const Csat&) { exact_sats.push_back(spare.release()); });
+      planes, [this](SpareSat& spare, const Csat&) { exact_sats.push_back(spare.release()); });
   exact_sats.sort(lessThan_sat);
 }
 

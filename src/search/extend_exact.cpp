@@ -7,8 +7,13 @@
 // background, and nearly none is accepted. So each is extended when it is found. The order of the
 // results must not show that: on equal spans they come in the order of their sorted seeds.
 //
-// Example, unit length 2: in ACACACTCACACAC the seeds ACACAC and CACACAC are extended to the same
-// repeat, with a mismatch at T. It is recorded twice, and overlap removal keeps the first.
+// Example, unit length 2, default settings: ACACACTCACACAC has the perfect stretches ACACAC and
+// CACACAC, with scores of 4 and 5. Neither reaches the user's 6, so no marks are closed, and each
+// of the five starts in either is a seed. All are extended to the whole sequence, with a mismatch
+// at T: 4 - 5 + 7 = 6. The repeat is recorded ten times, and overlap removal keeps the first.
+// ACACGT has no seed: ACAC scores 2.
+//
+// The extension is handed in: search/ does not depend on imperfect/.
 
 #include <algorithm>
 #include <iterator>
@@ -33,16 +38,15 @@ struct ExtendedSeed {
 
 }  // namespace
 
-void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
-  extends_perfect_repeats_ = true;
+void CSearchController::extend_seeds(const BitPlanes& planes, const ExtendSeed& extend) {
   console_.announce("  Searching for exact repeats.\n");
   std::vector<ExtendedSeed> extended;
   minScores = &*minScores_intern;
   minLengths = &*minLengths_intern;
-  find_perfect_repeats([&](SpareSat& spare, Csat& sat) {
+  find_perfect_repeats(planes, [&](SpareSat& spare, Csat& sat) {
     const char* const seed_left = sat.pos_left;
     const char* const seed_right = sat.pos_right;
-    if (!accept_extended(sat)) return;
+    if (!extend(sat)) return;
     imperfect_sats.push_back(spare.release());
     extended.push_back({std::prev(imperfect_sats.end()), seed_left, seed_right});
   });

@@ -56,9 +56,6 @@ void remove_mostly_hidden(CsatContainer& sats) {
 
 void CSearchController::remove_hidden(CsatContainer& sats) {
   if (global_remove_mostly_hidden) remove_mostly_hidden(sats);
-  for (Csat* sat : sats) {
-    if (sat->events_pending) restore_events(*sat);
-  }
 }
 
 }  // namespace vorlan

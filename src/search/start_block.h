@@ -22,7 +22,7 @@ namespace vorlan {
 class StartBlock {
  public:
   static constexpr std::size_t kWords = 8;
-  static constexpr std::ptrdiff_t kStarts = kWords * BitPlanes::kBitsPerWord;
+  static constexpr std::ptrdiff_t kStarts = kWords * kBitsPerWord;
 
   /// A block of the scan for one unit length, which has starts from 0 up to `end_of_starts`; the
   /// filter will judge those that `anchors` allow now.
@@ -32,14 +32,14 @@ class StartBlock {
       : begin_(begin),
         end_(std::min(begin + kStarts, end_of_starts)),
         unit_length_(unit_length),
-        special_(planes.words().special + first_word()) {
+        no_base_(planes.words().no_base + first_word()) {
     judged_ = survivors_ = allowed_from(begin, anchors);
   }
 
   /// Where the filter clears the starts that cannot lead to a repeat: kWords words from
   /// `first_word` on.
   std::uint64_t* survivors() { return survivors_.data(); }
-  std::ptrdiff_t first_word() const { return begin_ / BitPlanes::kBitsPerWord; }
+  std::ptrdiff_t first_word() const { return begin_ / kBitsPerWord; }
   bool has_survivors() const {
     return std::any_of(survivors_.begin(), survivors_.end(),
                        [](std::uint64_t word) { return word != 0; });
@@ -51,8 +51,7 @@ class StartBlock {
   void set_survivors(const Survivors& survivors) {
     judged_.fill(~std::uint64_t{0});
     for (std::size_t i = 0; i < kWords; ++i) {
-      const std::ptrdiff_t begin =
-          begin_ + static_cast<std::ptrdiff_t>(i) * BitPlanes::kBitsPerWord;
+      const std::ptrdiff_t begin = begin_ + static_cast<std::ptrdiff_t>(i) * kBitsPerWord;
       if (begin >= end_) break;
       survivors_[i] = survivors(begin);
     }
@@ -61,8 +60,8 @@ class StartBlock {
   /// Adds a start to the survivors.
   void keep(std::ptrdiff_t start) {
     const std::ptrdiff_t offset = start - begin_;
-    survivors_[static_cast<std::size_t>(offset / BitPlanes::kBitsPerWord)] |=
-        std::uint64_t{1} << offset % BitPlanes::kBitsPerWord;
+    survivors_[static_cast<std::size_t>(offset / kBitsPerWord)] |= std::uint64_t{1}
+                                                                   << offset % kBitsPerWord;
   }
 
   /// Collects the starts from `first` on that `anchors` allow now and that the filter left. Starts
@@ -78,7 +77,7 @@ class StartBlock {
       if (words_[i] == 0) continue;
       const int bit = std::countr_zero(words_[i]);
       words_[i] &= words_[i] - 1;
-      return begin_ + static_cast<std::ptrdiff_t>(i) * BitPlanes::kBitsPerWord + bit;
+      return begin_ + static_cast<std::ptrdiff_t>(i) * kBitsPerWord + bit;
     }
     return -1;
   }
@@ -90,7 +89,7 @@ class StartBlock {
   /// The bits of a word from `bit` on, which may lie outside the word.
   static std::uint64_t at_or_above(std::ptrdiff_t bit) {
     if (bit <= 0) return ~std::uint64_t{0};
-    return bit >= BitPlanes::kBitsPerWord ? 0 : ~std::uint64_t{0} << bit;
+    return bit >= kBitsPerWord ? 0 : ~std::uint64_t{0} << bit;
   }
 
   using Words = std::array<std::uint64_t, kWords>;
@@ -99,9 +98,9 @@ class StartBlock {
     Words words{};
     for (std::size_t i = 0; i < kWords; ++i) {
       const std::ptrdiff_t word = first_word() + static_cast<std::ptrdiff_t>(i);
-      const std::ptrdiff_t begin = word * BitPlanes::kBitsPerWord;
+      const std::ptrdiff_t begin = word * kBitsPerWord;
       if (begin >= end_) break;
-      words[i] = anchors.may_anchor(word, unit_length_) & ~special_[i] &
+      words[i] = anchors.may_anchor(word, unit_length_) & ~no_base_[i] &
                  at_or_above(first - begin) & ~at_or_above(end_ - begin);
     }
     return words;
@@ -110,7 +109,7 @@ class StartBlock {
   std::ptrdiff_t begin_;
   std::ptrdiff_t end_;
   std::size_t unit_length_;
-  const std::uint64_t* special_;  // where there are no bases, hence no unit begins
+  const std::uint64_t* no_base_;  // where there are no bases, hence no unit begins
   Words words_{};
   Words judged_{};
   Words survivors_{};

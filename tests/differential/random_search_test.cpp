@@ -30,7 +30,8 @@ TEST_P(RandomCases, give_the_same_repeats_in_all_modes) {
   ProductSearch product;
   for (std::uint64_t number = 0; number < kCasesPerSeed; ++number) {
     const SearchCase random = random_case(GetParam(), number);
-    const std::optional<std::string> found = difference(product, random.residues, random.settings);
+    const std::optional<std::string> found =
+        difference(product, random.residues, random.settings, Engines::kApart);
     ASSERT_FALSE(found) << "vorlan_differential --seed " << GetParam() << " --first " << number
                         << " --cases 1\n"
                         << *found;
@@ -53,7 +54,8 @@ TEST_P(RandomCases, limits_that_can_hardly_be_reached_give_the_same_repeats) {
     settings.min_score_bx = 0;
     settings.maximum_scorereduction = static_cast<int>(residues.size()) - random.between(-1, 6);
     settings.prefer_longer_repeat = random.between(0, 1);
-    const std::optional<std::string> found = difference(product, residues, settings);
+    const std::optional<std::string> found =
+        difference(product, residues, settings, Engines::kApart);
     ASSERT_FALSE(found) << *found;
   }
 }

@@ -8,41 +8,26 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 
 #include "config/settings.h"
 #include "description.h"
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 #include "random.h"
 #include "random_residues.h"
+#include "settings_exchange.h"
 
 namespace differential {
 namespace {
 
 using reference::Repeat;
 using reference::Settings;
+using vorlan::Accelerations;
 
-void copy_into_globals(const Settings& settings) {
+void set_product_settings(const Settings& settings) {
   vorlan::init_param();
-  vorlan::global_min_unit_length = settings.min_unit_length;
-  vorlan::global_max_unit_length = settings.max_unit_length;
-  vorlan::global_mismatch_score = settings.mismatch_score;
-  vorlan::global_indel_score = settings.indel_score;
-  vorlan::global_maximum_recursion_depth = settings.maximum_recursion_depth;
-  vorlan::global_maximum_scorereduction = settings.maximum_scorereduction;
-  vorlan::global_Ns_allowed_in_a_row = settings.Ns_allowed_in_a_row;
-  vorlan::global_treat_Ns_as_missense = settings.treat_Ns_as_missense;
-  vorlan::global_prefer_longer_repeat = settings.prefer_longer_repeat;
-  vorlan::global_min_score = settings.min_score;
-  vorlan::global_min_score_a = settings.min_score_a;
-  vorlan::global_min_score_bx = settings.min_score_bx;
-  vorlan::global_min_length = settings.min_length;
-  vorlan::global_min_length_a = settings.min_length_a;
-  vorlan::global_min_length_bx = settings.min_length_bx;
-  vorlan::global_N_and_perfection_mode = settings.N_and_perfection_mode;
-  vorlan::global_min_perfection = settings.min_perfection;
-  vorlan::global_max_perfection = settings.max_perfection;
-  vorlan::global_remove_mostly_hidden = settings.remove_mostly_hidden;
+  reference::set_settings_of_the_product(settings);
   // The thresholds are those of the first controller of a run.
   vorlan::CSearchController::reset_minimum_arrays();
 }
@@ -105,39 +90,106 @@ const std::string& background() {
   return residues;
 }
 
+// The background costs far more than most records, so few are laid beside it.
+bool lies_beside_background(std::string_view residues) {
+  return std::hash<std::string_view>{}(residues) % 64 == 0;
+}
+
 // The neighbours are copies of the record, so that what stands at its ends goes on in them.
-std::vector<Repeat> find_in_series(vorlan::CSequence_Mol& sequence, const Settings& settings) {
-  copy_into_globals(settings);
+std::vector<Repeat> find_in_series(vorlan::CSequence_Mol& sequence, const Settings& settings,
+                                   const Accelerations& engines) {
+  set_product_settings(settings);
   const std::string_view residues = sequence.residues.view();
   vorlan::SeriesFilter series;
   series.append(residues);
   const std::size_t offset = series.append(residues);
   series.append(residues);
-  if (residues.size() % 2 == 0) series.append(background());
-  series.judge(vorlan::UnitLengthThresholds::of_scores());
-  const vorlan::JudgedStarts judged = series.record(offset);
-  vorlan::CSearchController controller(1, sequence);
-  controller.use(&judged);
+  if (lies_beside_background(residues)) series.append(background());
+  series.judge(vorlan::CSearchController::user_min_scores());
+  const vorlan::SeriesSurvivors survivors = series.record(offset);
+  vorlan::CSearchController controller(1, sequence, {}, engines);
+  controller.set_series_survivors(&survivors);
   controller.complete_imperfect_search(nullptr);
   controller.remove_hidden(controller.imperfect_sats);
+  controller.complete_events(controller.imperfect_sats);
   return converted(controller.imperfect_sats, sequence);
 }
 
-std::vector<Repeat> find_in(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings) {
+std::vector<Repeat> find_in(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings,
+                            const Accelerations& engines) {
   std::vector<Repeat> repeats;
-  search_record(mode, sequence, settings,
-                [&](vorlan::CSearchController&, const vorlan::CsatContainer& sats) {
-                  repeats = converted(sats, sequence);
-                });
+  search_record(
+      mode, sequence, settings,
+      [&](vorlan::CSearchController&, const vorlan::CsatContainer& sats) {
+        repeats = converted(sats, sequence);
+      },
+      engines);
   return repeats;
 }
 
-std::string explained(Mode mode, std::string_view residues, const Settings& settings, Buffer buffer,
-                      const std::vector<Repeat>& expected, const std::vector<Repeat>& found) {
+// A search of one record in one mode, with some engines.
+struct Trial {
+  Mode mode;
+  std::string_view residues;
+  Settings settings;
+  Buffer buffer;
+  std::string engines_name;
+  Accelerations engines;
+};
+
+std::string explained(const Trial& trial, const std::vector<Repeat>& expected,
+                      const std::vector<Repeat>& found) {
   constexpr std::array kNames = {"buffer of exact size", "reused buffer", "in a series"};
-  return std::string(name_of(mode)) + " search, " + kNames.at(static_cast<std::size_t>(buffer)) +
-         "\n" + describe(settings) + "\n" + std::to_string(residues.size()) +
-         " residues: " + std::string(residues) + "\n" + describe_first_difference(expected, found);
+  return std::string(name_of(trial.mode)) + " search, " +
+         kNames.at(static_cast<std::size_t>(trial.buffer)) + ", with " + trial.engines_name + "\n" +
+         describe(trial.settings) + "\n" + std::to_string(trial.residues.size()) +
+         " residues: " + std::string(trial.residues) + "\n" +
+         describe_first_difference(expected, found);
+}
+
+// Whether an engine has anything to do in a mode. The filter of a series works in a series alone.
+bool works_in(const vorlan::NamedAcceleration& engine, Mode mode) {
+  using vorlan::Accelerations;
+  const auto is = [&](bool Accelerations::*which) { return engine.is_on == which; };
+  switch (mode) {
+    case Mode::kExact:
+      return is(&Accelerations::exact_filter);
+    case Mode::kExtendExact:
+      return is(&Accelerations::exact_filter) || is(&Accelerations::merged_look_ahead) ||
+             is(&Accelerations::shared_ways) || is(&Accelerations::events_on_demand);
+    case Mode::kImperfect:
+      break;
+  }
+  return !is(&Accelerations::exact_filter);
+}
+
+// Each engine alone. Events on demand come from shared ways, and can do nothing without them.
+std::vector<Trial> trials_apart(const Trial& together) {
+  using vorlan::Accelerations;
+  std::vector<Trial> trials;
+  Trial trial = together;
+  trial.buffer = Buffer::kReused;
+  trial.engines = Accelerations::none();
+  trial.engines_name = "no engine";
+  trials.push_back(trial);
+  for (const vorlan::NamedAcceleration& engine : vorlan::kAccelerations) {
+    if (!works_in(engine, together.mode)) continue;
+    trial.engines = Accelerations::none();
+    trial.engines.*engine.is_on = true;
+    if (engine.is_on == &Accelerations::events_on_demand) trial.engines.shared_ways = true;
+    trial.buffer = trial.engines.series_filter ? Buffer::kSeries : Buffer::kReused;
+    trial.engines_name = std::string("the engine ") + engine.name;
+    trials.push_back(trial);
+  }
+  return trials;
+}
+
+std::optional<std::string> difference(ProductSearch& product, const Trial& trial,
+                                      const std::vector<Repeat>& expected) {
+  const std::vector<Repeat> found =
+      product.find(trial.mode, trial.residues, trial.settings, trial.buffer, trial.engines);
+  if (found == expected) return std::nullopt;
+  return explained(trial, expected, found);
 }
 
 }  // namespace
@@ -150,11 +202,12 @@ std::vector<Repeat> converted(const vorlan::CsatContainer& sats,
 }
 
 void search_record(Mode mode, vorlan::CSequence_Mol& sequence, const Settings& settings,
-                   const Visit& visit) {
-  copy_into_globals(settings);
-  vorlan::CSearchController controller(1, sequence);
+                   const Visit& visit, const Accelerations& engines) {
+  set_product_settings(settings);
+  vorlan::CSearchController controller(1, sequence, {}, engines);
   vorlan::CsatContainer& sats = search(controller, mode);
   controller.remove_hidden(sats);
+  controller.complete_events(sats);
   visit(controller, sats);
 }
 
@@ -166,16 +219,18 @@ const char* name_of(Mode mode) {
 ProductSearch::ProductSearch() : reused_(vorlan::CSequence_Mol::kDna, 1) {}
 
 std::vector<Repeat> ProductSearch::find(Mode mode, std::string_view residues,
-                                        const Settings& settings, Buffer buffer) {
+                                        const Settings& settings, Buffer buffer,
+                                        const Accelerations& engines) {
   if (buffer != Buffer::kExact) {
     replace_residues(reused_, residues);
-    return buffer == Buffer::kSeries && mode == Mode::kImperfect ? find_in_series(reused_, settings)
-                                                                 : find_in(mode, reused_, settings);
+    return buffer == Buffer::kSeries && mode == Mode::kImperfect
+               ? find_in_series(reused_, settings, engines)
+               : find_in(mode, reused_, settings, engines);
   }
   const auto size = static_cast<std::uint32_t>(std::max<std::size_t>(residues.size(), 1));
   vorlan::CSequence_Mol sequence(vorlan::CSequence_Mol::kDna, size);
   replace_residues(sequence, residues);
-  return find_in(mode, sequence, settings);
+  return find_in(mode, sequence, settings, engines);
 }
 
 std::vector<Repeat> find_plainly(Mode mode, std::string_view residues, const Settings& settings) {
@@ -191,24 +246,31 @@ std::vector<Repeat> find_plainly(Mode mode, std::string_view residues, const Set
 }
 
 std::optional<std::string> difference(ProductSearch& product, Mode mode, std::string_view residues,
-                                      const Settings& settings) {
+                                      const Settings& settings, Engines engines) {
+  Trial trial{mode, residues, settings, Buffer::kExact, "all engines", {}};
   const std::vector<Repeat> all = find_plainly(mode, residues, settings);
-  for (const Buffer buffer : {Buffer::kExact, Buffer::kReused, Buffer::kSeries}) {
-    Settings with_removal_set = settings;
-    with_removal_set.remove_mostly_hidden = buffer != Buffer::kExact;
-    const std::vector<Repeat> expected = reference::without_hidden(all, with_removal_set);
-    const std::vector<Repeat> found = product.find(mode, residues, with_removal_set, buffer);
-    if (found != expected) {
-      return explained(mode, residues, with_removal_set, buffer, expected, found);
-    }
+  trial.settings.remove_mostly_hidden = false;
+  if (auto found = difference(product, trial, all)) return found;
+  trial.settings.remove_mostly_hidden = true;
+  const std::vector<Repeat> expected = reference::without_hidden(all, trial.settings);
+  std::vector<Buffer> buffers = {Buffer::kReused};
+  // Only the imperfect search knows of series.
+  if (mode == Mode::kImperfect) buffers.push_back(Buffer::kSeries);
+  for (const Buffer buffer : buffers) {
+    trial.buffer = buffer;
+    if (auto found = difference(product, trial, expected)) return found;
+  }
+  if (engines == Engines::kTogether) return std::nullopt;
+  for (const Trial& apart : trials_apart(trial)) {
+    if (auto found = difference(product, apart, expected)) return found;
   }
   return std::nullopt;
 }
 
 std::optional<std::string> difference(ProductSearch& product, std::string_view residues,
-                                      const Settings& settings) {
+                                      const Settings& settings, Engines engines) {
   for (const Mode mode : kAllModes) {
-    if (auto found = difference(product, mode, residues, settings)) return found;
+    if (auto found = difference(product, mode, residues, settings, engines)) return found;
   }
   return std::nullopt;
 }

@@ -18,6 +18,7 @@
 
 #include "input/csequence_mol.h"
 #include "plain_search.h"
+#include "search/accelerations.h"
 #include "search/csearchcontroller.h"
 
 namespace differential {
@@ -34,6 +35,12 @@ enum class Buffer {
   kSeries,  // the same, and imperfect repeats are searched as in a record between others
 };
 
+// How often to search with engines left out, beside the search with all of them.
+enum class Engines {
+  kTogether,  // not at all
+  kApart,     // with none, and with each alone that has anything to do in the mode
+};
+
 // Receives the controller of a record that has been searched, and the list that a report would be
 // made from.
 using Visit = std::function<void(vorlan::CSearchController&, vorlan::CsatContainer&)>;
@@ -46,7 +53,7 @@ std::vector<reference::Repeat> converted(const vorlan::CsatContainer& sats,
 // Searches the sequence, removes hidden repeats and calls visit. Sets all search settings of the
 // process, and the others to their defaults.
 void search_record(Mode mode, vorlan::CSequence_Mol& sequence, const reference::Settings& settings,
-                   const Visit& visit);
+                   const Visit& visit, const vorlan::Accelerations& engines = {});
 
 // The searches of the product. One object is like one run: it keeps a residue buffer, and the pool
 // of repeat records is that of the process.
@@ -56,7 +63,8 @@ class ProductSearch {
 
   // The list that a report would be made from. Sets all search settings of the process.
   std::vector<reference::Repeat> find(Mode mode, std::string_view residues,
-                                      const reference::Settings& settings, Buffer buffer);
+                                      const reference::Settings& settings, Buffer buffer,
+                                      const vorlan::Accelerations& engines = {});
 
  private:
   vorlan::CSequence_Mol reused_;
@@ -68,12 +76,14 @@ std::vector<reference::Repeat> find_plainly(Mode mode, std::string_view residues
 
 // Searches the residues in one mode, or in all, in each kind of buffer: without overlap removal in
 // that of exact size, and with it in the others, whatever the settings say about overlap removal.
-// Returns what is different from the slow twin: mode, settings, residues and the first record that
-// differs; nothing when all is equal.
+// Returns what is different from the slow twin: mode, engines, settings, residues and the first
+// record that differs; nothing when all is equal.
 std::optional<std::string> difference(ProductSearch& product, Mode mode, std::string_view residues,
-                                      const reference::Settings& settings);
+                                      const reference::Settings& settings,
+                                      Engines engines = Engines::kTogether);
 std::optional<std::string> difference(ProductSearch& product, std::string_view residues,
-                                      const reference::Settings& settings);
+                                      const reference::Settings& settings,
+                                      Engines engines = Engines::kTogether);
 
 }  // namespace differential
 

@@ -5,10 +5,10 @@
 //
 //   vorlan_differential [--cases N] [--seed S] [--first K]
 //
-// runs the cases K to K + N - 1 of the series S (defaults: 1000 cases, seed 1, first case 0),
-// explains each failure on standard error, and prints "N passed, N failed". A single case is run
-// again with its seed and number. Exit status: 0 when all cases passed, 1 when one failed, 2 when
-// the command line is wrong.
+// runs the cases K to K + N - 1 of the series S, with all engines, with none and with each alone
+// (defaults: 1000 cases, seed 1, first case 0), explains each failure on standard error, and prints
+// "N passed, N failed". A single case is run again with its seed and number. Exit status: 0 when
+// all cases passed, 1 when one failed, 2 when the command line is wrong.
 
 #include <charconv>
 #include <cstdint>
@@ -64,8 +64,8 @@ std::uint64_t run(const Series& series) {
   std::uint64_t failed = 0;
   for (std::uint64_t number = series.first; number - series.first < series.cases; ++number) {
     const differential::SearchCase search_case = differential::random_case(series.seed, number);
-    const std::optional<std::string> difference =
-        differential::difference(product, search_case.residues, search_case.settings);
+    const std::optional<std::string> difference = differential::difference(
+        product, search_case.residues, search_case.settings, differential::Engines::kApart);
     if (!difference) continue;
     ++failed;
     std::fprintf(stderr, "FAILED: --seed %llu --first %llu --cases 1\n%s\n\n",

@@ -17,8 +17,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzz::SearchInput input = fuzz::read_search_input(bytes);
   const fuzz::PoolOfOneInput pool;
   differential::ProductSearch product;
-  const std::optional<std::string> found =
-      difference(product, input.mode, input.residues, input.settings);
+  const std::optional<std::string> found = difference(
+      product, input.mode, input.residues, input.settings, differential::Engines::kApart);
   if (found) fuzz::report_fault(*found);
   return 0;
 }

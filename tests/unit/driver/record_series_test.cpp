@@ -72,16 +72,16 @@ TEST_F(RecordSeriesTest, JudgesOnlyMoreThanOneRecord) {
   RecordSeries series;
   series.add(1, Dna("ACACACACAC"));
   series.judge();
-  EXPECT_FALSE(series.judged_starts(series[0]).know(2));
+  EXPECT_FALSE(series.survivors(series[0]).know(2));
   series.add(2, Dna("GGACACACACAC"));
   series.judge();
-  EXPECT_TRUE(series.judged_starts(series[0]).know(2));
+  EXPECT_TRUE(series.survivors(series[0]).know(2));
   // The array of the second record begins at its base 2.
-  EXPECT_EQ(series.judged_starts(series[1]).survivors(2, 2) & 1, 1U);
+  EXPECT_EQ(series.survivors(series[1]).survivors(2, 2) & 1, 1U);
   series.clear();
   series.add(3, Dna("ACACACACAC"));
   series.judge();
-  EXPECT_FALSE(series.judged_starts(series[0]).know(2));
+  EXPECT_FALSE(series.survivors(series[0]).know(2));
 }
 
 TEST_F(RecordSeriesTest, LengthsThatRepeatsNeedAreNotLookedAt) {
@@ -89,8 +89,8 @@ TEST_F(RecordSeriesTest, LengthsThatRepeatsNeedAreNotLookedAt) {
   RecordSeries series;
   for (unsigned number = 1; number <= 2; ++number) series.add(number, Dna("ACACACACACGT"));
   series.judge();
-  EXPECT_EQ(series.judged_starts(series[0]).survivors(2, 0) & 1, 1U);
-  EXPECT_EQ(series.judged_starts(series[0]).survivors(2, 9) & 1, 0U);
+  EXPECT_EQ(series.survivors(series[0]).survivors(2, 0) & 1, 1U);
+  EXPECT_EQ(series.survivors(series[0]).survivors(2, 9) & 1, 0U);
 }
 
 }  // namespace

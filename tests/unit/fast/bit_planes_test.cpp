@@ -55,7 +55,7 @@ bool bit_of(const std::uint64_t* plane, std::ptrdiff_t position) {
 
 Bits stored_bits(const BitPlanes::Words& words, std::ptrdiff_t position) {
   return {bit_of(words.low, position), bit_of(words.high, position),
-          bit_of(words.special, position)};
+          bit_of(words.no_base, position)};
 }
 
 TEST(BitPlanes, HoldTheLettersAndMarkWhatLiesOutside) {
@@ -85,9 +85,9 @@ TEST(BitPlanes, GiveSixtyFourPositionsFromAnyOneOn) {
     const auto first = -static_cast<std::ptrdiff_t>(margin);
     const auto last = static_cast<std::ptrdiff_t>(length + margin) - 64;
     for (std::ptrdiff_t from = first; from <= last; ++from) {
-      const std::uint64_t low = BitPlanes::bits_at(planes.words().low, from);
-      const std::uint64_t high = BitPlanes::bits_at(planes.words().high, from);
-      const std::uint64_t special = BitPlanes::bits_at(planes.words().special, from);
+      const std::uint64_t low = bits_at(planes.words().low, from);
+      const std::uint64_t high = bits_at(planes.words().high, from);
+      const std::uint64_t special = bits_at(planes.words().no_base, from);
       for (int i = 0; i < 64; ++i) {
         const Bits bits{(low >> i & 1) != 0, (high >> i & 1) != 0, (special >> i & 1) != 0};
         ASSERT_EQ(bits, expected_bits(residues, from + i))

@@ -4,7 +4,7 @@
 // The filter of the imperfect search, in all its kernels, against the extension of every start by
 // the slow twin.
 
-#include "imperfect/candidate_filter.h"
+#include "imperfect/filter/candidate_filter.h"
 
 #include <gtest/gtest.h>
 
@@ -59,7 +59,7 @@ class FilteredSequence {
         dna_(residues),
         planes_(dna_.at(0), residues.size(), CandidateFilter::margin(unit_length)),
         all_(all_starts(residues.size(), unit_length)) {
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     scores_ = scores_of_starts(residues, settings, unit_length);
   }
 

@@ -65,7 +65,7 @@ class ExactFilterTest : public FreshSettings {
   /// Without N the filter is exact, up to the run length that it asks for.
   void expect_accepted_survive(std::string_view residues, const Settings& settings,
                                unsigned unit_length, int min_score) {
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const StartBits accepted = accepted_starts(residues, settings, unit_length, min_score);
     const StartBits left = survivors_of(residues, unit_length, min_score);
     const bool is_exact = holds_only_bases(residues) && min_score <= kLongestRunAskedFor;

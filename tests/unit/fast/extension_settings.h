@@ -3,9 +3,9 @@
 
 #pragma once
 
-#include "config/settings.h"
 #include "plain_search.h"
 #include "random.h"
+#include "settings_exchange.h"
 
 namespace vorlan {
 
@@ -15,17 +15,6 @@ inline constexpr int kWorkload = 1;
 #else
 inline constexpr int kWorkload = 8;
 #endif
-
-/// Lets the process use the settings that extensions and filters read.
-inline void use(const reference::Settings& settings) {
-  global_mismatch_score = settings.mismatch_score;
-  global_indel_score = settings.indel_score;
-  global_maximum_recursion_depth = settings.maximum_recursion_depth;
-  global_maximum_scorereduction = settings.maximum_scorereduction;
-  global_Ns_allowed_in_a_row = settings.Ns_allowed_in_a_row;
-  global_treat_Ns_as_missense = settings.treat_Ns_as_missense;
-  global_prefer_longer_repeat = settings.prefer_longer_repeat;
-}
 
 /// Settings of an extension without a limit of the score reduction.
 inline reference::Settings random_unlimited_settings(differential::Random& random) {

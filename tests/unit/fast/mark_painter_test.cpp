@@ -3,7 +3,7 @@
 
 // Marks that are painted when the scan comes near against marks painted with every repeat at once.
 
-#include "imperfect/mark_painter.h"
+#include "imperfect/late_marks/mark_painter.h"
 
 #include <gtest/gtest.h>
 
@@ -32,19 +32,19 @@ using reference::Settings;
 /// A painter and its twin over one sequence.
 class PaintedSequence {
  public:
-  PaintedSequence(const Dna& dna, const UnitPaths& paths)
+  PaintedSequence(const Dna& dna, RecordSearch& record)
       : dna_(dna),
         length_(dna.end() - dna.at(0)),
         // One residue more than there is, so that the last one can be asked for as a start.
         anchors_(dna.at(0), static_cast<std::size_t>(length_) + 1),
         plain_(dna.at(0), static_cast<std::size_t>(length_)),
-        paths_(paths) {
+        record_(record) {
     begin_scan();
   }
 
   /// Goes back to the first residue, over the marks that are there.
   void begin_scan() {
-    painter_.emplace(anchors_, paths_, dna_.at(0));
+    painter_.emplace(anchors_, record_);
     painted_until_ = 0;
   }
 
@@ -79,7 +79,7 @@ class PaintedSequence {
   std::ptrdiff_t length_;
   CAnchorSeq anchors_;
   PlainMarks plain_;
-  const UnitPaths& paths_;
+  RecordSearch& record_;
   std::optional<MarkPainter> painter_;
   std::ptrdiff_t painted_until_ = 0;
 };
@@ -102,14 +102,13 @@ void make_random_repeat(Random& random, const Dna& dna, std::ptrdiff_t start, Cs
 }
 
 TEST(MarkPainter, PaintsWholeRepeatsAsIfEachWerePaintedAtOnce) {
-  const AlignmentSettings settings;
   for (int seed = 0; seed < 60 * kWorkload; ++seed) {
     SCOPED_TRACE(seed);
     Random random(static_cast<std::uint64_t>(seed));
     const std::ptrdiff_t length = random.between(1, 400);
     const Dna dna(std::string(static_cast<std::size_t>(length), 'A'));
-    const UnitPaths paths(dna.at(0), settings);
-    PaintedSequence painted(dna, paths);
+    RecordSearch record(dna.residues.view(), 1, SeedKind::kUnit, {});
+    PaintedSequence painted(dna, record);
     std::list<Csat> sats;
     // As for two unit lengths: the second scan goes over marks that the first has left.
     for (int scan = 0; scan < 2; ++scan) {
@@ -144,12 +143,8 @@ class ArrayScan {
         settings_(settings),
         unit_length_(unit_length),
         dna_(residues),
-        planes_(dna_.at(0), residues.size(), MismatchMasks<Forward>::kReach),
-        context_{.seq_begin = dna_.at(0), .planes = &planes_},
-        paths_(dna_.at(0), context_.settings),
-        painted_(dna_, paths_) {
-    context_.paths = &paths_;
-  }
+        record_(dna_.residues.view(), static_cast<unsigned>(unit_length), SeedKind::kUnit, {}),
+        painted_(dna_, record_) {}
 
   void run(Random& random) {
     const auto starts = static_cast<std::ptrdiff_t>(residues_.size() - unit_length_);
@@ -173,12 +168,12 @@ class ArrayScan {
     Csat& sat = sats_.emplace_back();
     sat.init(dna_.at(start), dna_.at(start) + unit_length_);
     AcceptedRepeat repeat{&sat, {}};
-    extend<Forward>(sat, dna_.end(), context_, repeat.passed_over.forward);
-    extend<Backward>(sat, dna_.at(0), context_, repeat.passed_over.backward);
+    extend<Forward>(sat, dna_.end(), record_, repeat.passed_over.forward);
+    extend<Backward>(sat, dna_.at(0), record_, repeat.passed_over.backward);
     sat.trim_Ns();
     if (note_events) {
-      append_events<Forward>(repeat.passed_over.forward, paths_, sat);
-      append_events<Backward>(repeat.passed_over.backward, paths_, sat);
+      record_.ways().append_events<Forward>(repeat.passed_over.forward, sat);
+      record_.ways().append_events<Backward>(repeat.passed_over.backward, sat);
       repeat.passed_over.forward.clear();
       repeat.passed_over.backward.clear();
     }
@@ -196,9 +191,7 @@ class ArrayScan {
   const Settings& settings_;
   std::size_t unit_length_;
   Dna dna_;
-  BitPlanes planes_;
-  ExtensionContext context_;
-  UnitPaths paths_;
+  RecordSearch record_;
   PaintedSequence painted_;
   std::list<Csat> sats_;
   std::size_t segments_ = 0;
@@ -224,7 +217,7 @@ TEST_F(MarkPainterWithStoredWays, PaintsEditsOnThemAsIfEachRepeatWerePaintedAtOn
     Random random(static_cast<std::uint64_t>(seed));
     Settings settings = random_unlimited_settings(random);
     settings.maximum_recursion_depth = random.between(1, 3);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const std::size_t unit_length = 1 + random.below(random.per_cent(80) ? 8 : 35);
     const std::string unit = differential::random_residues(random, unit_length, "ACGT");
     const std::string residues = random_arrays(random, unit);
@@ -261,6 +254,7 @@ TEST_F(MarkPainterWithStoredWays, LeadsASearchOnlyToStartsThatMarksPaintedAtOnce
     CSearchController search(1, dna);
     search.complete_imperfect_search(nullptr);
     search.remove_hidden(search.imperfect_sats);
+    search.complete_events(search.imperfect_sats);
 
     PlainMarks marks(dna.at(0), static_cast<std::size_t>(dna.end() - dna.at(0)));
     const auto unit_length = static_cast<std::ptrdiff_t>(unit.size());

@@ -4,7 +4,7 @@
 // The look-ahead level by level against the one path by path: the same move at every decision. The
 // latter is held against the slow twin as well.
 
-#include "imperfect/merged_look_ahead.h"
+#include "imperfect/look_ahead/merged_look_ahead.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +17,7 @@
 #include "all_strings.h"
 #include "description.h"
 #include "extension_settings.h"
+#include "imperfect/leap_ahead.h"
 #include "random.h"
 #include "random_residues.h"
 #include "support/dna.h"
@@ -68,18 +69,18 @@ class MergedLookAheadTest : public FreshSettings {
           plain_(settings_, unit, stop_),
           merged_(settings_, unit, stop_, planes, text.begin, memory) {}
 
-    const AlignmentSettings& settings() const { return settings_; }
+    const Scoring& settings() const { return settings_; }
 
     void expect_same_move(const char* place, const char* cursor, std::int64_t score,
                           MoveCounts& seen) {
-      ASSERT_TRUE(merged_.can_judge(score));
-      const Move expected = plain_.best_move(place, cursor, score, 0, score).move;
+      ASSERT_TRUE(merged_.can_decide(score));
+      const Move expected = plain_.best_move({place, cursor}, score, 0, score).move;
       seen.add(expected);
-      ASSERT_EQ(merged_.best_move(place, cursor, score), expected) << "score " << score;
+      ASSERT_EQ(merged_.best_move({place, cursor}, score), expected) << "score " << score;
     }
 
    private:
-    AlignmentSettings settings_;
+    Scoring settings_ = Scoring::of_the_run();
     const char* stop_;
     LeapAhead<Direction> plain_;
     MergedLookAhead<Direction> merged_;
@@ -137,7 +138,7 @@ class MergedLookAheadTest : public FreshSettings {
         settings.indel_score = indel;
         settings.prefer_longer_repeat = prefer_longer;
         settings.maximum_recursion_depth = depth;
-        use(settings);
+        reference::set_settings_of_the_product(settings);
         compare_all_texts(alphabet, longest_text, longest_unit, highest_score);
         ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
       }
@@ -179,7 +180,7 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesInTextsOfFewBases) {
     Settings settings = random_unlimited_settings(random);
     settings.mismatch_score = random.between(-5, -2);
     settings.indel_score = random.between(-5, -2);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const auto alphabet = random.one_of<std::string_view>({"AC", "AAC", "ACG", "ACGT"});
     const std::string unit = differential::random_residues(random, 1 + random.below(7), alphabet);
     const std::string few = differential::random_residues(random, 6 + random.below(30), alphabet);
@@ -218,7 +219,7 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesInLongArrays) {
     SCOPED_TRACE(seed);
     Random random(static_cast<std::uint64_t>(seed));
     const Settings settings = random_unlimited_settings(random);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const std::string unit = differential::random_residues(
         random, random.per_cent(70) ? 1 + random.below(8) : 1 + random.below(40), "ACGT");
     const Dna dna(array_with_flanks(random, unit));
@@ -252,7 +253,7 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesAtDepthsThatOnlyTheScoreEnds) {
     Random random(static_cast<std::uint64_t>(seed));
     Settings settings = random_unlimited_settings(random);
     settings.maximum_recursion_depth = random.one_of({20, 255, 256, 257, 2147483647});
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const std::string text = differential::random_residues(random, 2 + random.below(12), "AACCN");
     const BitPlanes planes(text.data(), text.size(), MismatchMasks<TypeParam>::kReach);
     this->compare_all_units(text, "AC", 4, &planes, 7);
@@ -277,8 +278,8 @@ TYPED_TEST(MergedLookAheadTest, IsComparedWithAPlainRecursionThatValuesLikeTheSl
     Random random(static_cast<std::uint64_t>(seed));
     Settings settings = random_unlimited_settings(random);
     if (random.per_cent(70)) settings.maximum_scorereduction = random.between(0, 20);
-    use(settings);
-    const AlignmentSettings alignment;
+    reference::set_settings_of_the_product(settings);
+    const Scoring alignment = Scoring::of_the_run();
     const std::string residues = differential::random_record(random, 30 + random.below(200));
     reference::LookAheadStart start;
     const std::size_t unit_length = 1 + random.below(12);
@@ -300,8 +301,8 @@ TYPED_TEST(MergedLookAheadTest, IsComparedWithAPlainRecursionThatValuesLikeTheSl
         alignment, {dna.at(0) + start.unit_begin, dna.at(0) + start.unit_end},
         stop(TypeParam{}, {dna.at(0), dna.end()}));
     const std::int64_t expected = plain_value(TypeParam{}, residues, settings, start);
-    ASSERT_EQ(look_ahead.explore(dna.at(0) + start.position, dna.at(0) + start.cursor, start.score,
-                                 start.level, start.best),
+    ASSERT_EQ(look_ahead.explore({dna.at(0) + start.position, dna.at(0) + start.cursor},
+                                 start.score, start.level, start.best),
               expected)
         << differential::describe(settings) << "\n"
         << residues;

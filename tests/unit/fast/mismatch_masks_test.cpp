@@ -3,7 +3,7 @@
 
 // Walks over matches by bits against walks residue by residue.
 
-#include "imperfect/mismatch_masks.h"
+#include "imperfect/look_ahead/mismatch_masks.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 // The filter of several records together, against the extension of every start of each record by
 // the slow twin. That searches come out the same is tested with whole searches.
 
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 
 #include <gtest/gtest.h>
 
@@ -34,12 +34,12 @@ struct JudgedSeries {
     filter.judge(UnitLengthThresholds::of_scores());
   }
 
-  JudgedStarts judged(std::size_t record) const { return filter.record(offsets[record]); }
+  SeriesSurvivors of(std::size_t record) const { return filter.record(offsets[record]); }
 
   /// Requires that the unit length is known.
   bool survives(std::size_t record, unsigned unit_length, std::size_t start) const {
     const auto position = static_cast<std::ptrdiff_t>(start);
-    return (judged(record).survivors(unit_length, position) & 1) != 0;
+    return (of(record).survivors(unit_length, position) & 1) != 0;
   }
 
   SeriesFilter filter;
@@ -55,7 +55,7 @@ TEST_F(SeriesFilterTest, KeepsEveryStartThatTheSlowTwinAcceptsInItsRecord) {
     Settings settings = random_unlimited_settings(random);
     settings.maximum_recursion_depth = random.between(1, 2);
     settings.min_score = global_min_score = random.between(1, 12);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     std::vector<std::string> records;
     for (int i = 0; i < 12; ++i) {
       records.push_back(differential::random_record(random, random.below(i == 0 ? 1'600 : 150)));
@@ -64,7 +64,7 @@ TEST_F(SeriesFilterTest, KeepsEveryStartThatTheSlowTwinAcceptsInItsRecord) {
     for (std::size_t i = 0; i < records.size(); ++i) {
       const auto unit_length = static_cast<unsigned>(random.between(
           static_cast<int>(global_min_unit_length), static_cast<int>(global_max_unit_length)));
-      if (!series.judged(i).know(unit_length)) continue;
+      if (!series.of(i).know(unit_length)) continue;
       const std::string_view record = records[i];
       const int min_score = reference::user_thresholds(settings, unit_length).score;
       for (std::size_t start = 0; start + unit_length < record.size(); ++start) {
@@ -115,29 +115,29 @@ TEST_F(SeriesFilterTest, SaysWhetherAnyOfTheStartsSurvives) {
   search_only(2);
   const std::string background = repeated("AGTC", 16);
   const JudgedSeries series({background, background + "ACACACACAC", "AGTC"});
-  const JudgedStarts judged = series.judged(1);
-  EXPECT_FALSE(judged.any_survives(2, 50));
-  EXPECT_TRUE(judged.any_survives(2, 66));
-  EXPECT_FALSE(series.judged(0).any_survives(2, 50));
-  EXPECT_FALSE(series.judged(2).any_survives(2, 2));
+  const SeriesSurvivors record = series.of(1);
+  EXPECT_FALSE(record.any_survives(2, 50));
+  EXPECT_TRUE(record.any_survives(2, 66));
+  EXPECT_FALSE(series.of(0).any_survives(2, 50));
+  EXPECT_FALSE(series.of(2).any_survives(2, 2));
 }
 
 TEST_F(SeriesFilterTest, KnowsTheUnitLengthsOfTheSettings) {
   global_min_unit_length = 3;
   global_max_unit_length = 5;
   const JudgedSeries series({"ACGTTGCATCGA", "ACGT"});
-  const JudgedStarts judged = series.judged(0);
-  EXPECT_FALSE(judged.know(2));
-  EXPECT_TRUE(judged.know(3));
-  EXPECT_TRUE(judged.know(5));
-  EXPECT_FALSE(judged.know(6));
+  const SeriesSurvivors record = series.of(0);
+  EXPECT_FALSE(record.know(2));
+  EXPECT_TRUE(record.know(3));
+  EXPECT_TRUE(record.know(5));
+  EXPECT_FALSE(record.know(6));
 }
 
 TEST_F(SeriesFilterTest, KnowsNoUnitLengthBeyondTheLongestRecord) {
   global_max_unit_length = 1'000'000;
   const JudgedSeries series({"ACGTTGCATCGA", "ACGT"});
-  EXPECT_TRUE(series.judged(0).know(11));
-  EXPECT_FALSE(series.judged(0).know(13));
+  EXPECT_TRUE(series.of(0).know(11));
+  EXPECT_FALSE(series.of(0).know(13));
 }
 
 TEST_F(SeriesFilterTest, KnowsNoUnitLengthThatIsTooDearToJudgeForARecordThatMayNotNeedIt) {
@@ -145,15 +145,15 @@ TEST_F(SeriesFilterTest, KnowsNoUnitLengthThatIsTooDearToJudgeForARecordThatMayN
   Random random(3);
   const std::string record = differential::random_residues(random, 300, "ACGT");
   const JudgedSeries series({record, record});
-  EXPECT_TRUE(series.judged(0).know(SeriesFilter::kLongestUnit));
-  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit + 1));
+  EXPECT_TRUE(series.of(0).know(SeriesFilter::kLongestUnit));
+  EXPECT_FALSE(series.of(0).know(SeriesFilter::kLongestUnit + 1));
 }
 
 // AC survives everywhere; its marks will close the records for longer units.
 TEST_F(SeriesFilterTest, KnowsNoUnitLengthBehindOneThatSurvivesInManyPlaces) {
   const JudgedSeries series(std::vector(4, repeated("AC", 50)));
-  EXPECT_TRUE(series.judged(0).know(2));
-  EXPECT_FALSE(series.judged(0).know(3));
+  EXPECT_TRUE(series.of(0).know(2));
+  EXPECT_FALSE(series.of(0).know(3));
 }
 
 // Looks and answers go beyond the ends; a sanitizer sees if they go too far.
@@ -172,7 +172,7 @@ TEST_F(SeriesFilterTest, KeepsArraysAtBothEndsOfTheSeries) {
       const JudgedSeries series({array, background, array});
       EXPECT_TRUE(series.survives(0, unit_length, 0));
       EXPECT_TRUE(series.survives(2, unit_length, kArray - unit_length - 1));
-      EXPECT_TRUE(series.judged(2).any_survives(unit_length, kArray - unit_length));
+      EXPECT_TRUE(series.of(2).any_survives(unit_length, kArray - unit_length));
     }
   }
 }
@@ -181,8 +181,8 @@ TEST_F(SeriesFilterTest, KnowsNothingOfUnitsThatAreAllTooLong) {
   global_min_unit_length = SeriesFilter::kLongestUnit + 1;
   global_max_unit_length = 400;
   const JudgedSeries series(std::vector(2, repeated("ACGT", 200)));
-  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit));
-  EXPECT_FALSE(series.judged(0).know(SeriesFilter::kLongestUnit + 1));
+  EXPECT_FALSE(series.of(0).know(SeriesFilter::kLongestUnit));
+  EXPECT_FALSE(series.of(0).know(SeriesFilter::kLongestUnit + 1));
 }
 
 TEST_F(SeriesFilterTest, KnowsNothingBeforeItHasJudged) {

@@ -3,7 +3,7 @@
 
 // Numbers of units against the letters that a reader sees when it goes round them.
 
-#include "imperfect/unit_phases.h"
+#include "imperfect/ways/unit_phases.h"
 
 #include <gtest/gtest.h>
 

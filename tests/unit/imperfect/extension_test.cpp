@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "imperfect/alignment_settings.h"
+#include "imperfect/scoring.h"
 #include "search/csearchcontroller.h"
 #include "support/dna.h"
 #include "support/fresh_settings.h"
@@ -23,16 +23,12 @@ class Seed {
     sat.init(dna.at(left), dna.at(right));
   }
 
-  Seed& forward() { return forward_to(static_cast<std::ptrdiff_t>(dna.residues.size)); }
-  Seed& backward() { return backward_to(0); }
-
-  /// As if the sequence ended, or began, at this offset.
-  Seed& forward_to(std::ptrdiff_t stop) {
-    controller_.extend_imperfect_forward(sat, dna.at(stop));
+  Seed& forward() {
+    controller_.extend_imperfect_forward(sat, dna.end());
     return *this;
   }
-  Seed& backward_to(std::ptrdiff_t stop) {
-    controller_.extend_imperfect_backward(sat, dna.at(stop));
+  Seed& backward() {
+    controller_.extend_imperfect_backward(sat, dna.at(0));
     return *this;
   }
 
@@ -79,7 +75,7 @@ TEST_F(Extension, APerfectContinuationIsTakenWithoutAnyEvent) {
 TEST_F(Extension, ADepthThatLevelsCannotReachIsNone) {
   const auto deepest_level = [](int depth) {
     global_maximum_recursion_depth = depth;
-    return AlignmentSettings().deepest_level();
+    return Scoring::of_the_run().deepest_level();
   };
   EXPECT_EQ(deepest_level(1), 1);
   EXPECT_EQ(deepest_level(255), 255);
@@ -90,7 +86,7 @@ TEST_F(Extension, ADepthThatLevelsCannotReachIsNone) {
 TEST_F(Extension, AScoreReductionAsLargeAsTheSequenceIsNoLimit) {
   const auto is_limited = [](int reduction) {
     global_maximum_scorereduction = reduction;
-    return !AlignmentSettings::for_sequence(100).has_constant_threshold();
+    return !Scoring::for_sequence(100).has_constant_threshold();
   };
   EXPECT_TRUE(is_limited(99));
   EXPECT_FALSE(is_limited(100));
@@ -98,32 +94,17 @@ TEST_F(Extension, AScoreReductionAsLargeAsTheSequenceIsNoLimit) {
   EXPECT_TRUE(is_limited(-1));
 }
 
-TEST_F(Extension, AMatchAtANearerStopIsNotTaken) {
-  Seed right("ACACACACAC", 0, 2);
-  right.forward_to(7);
-  EXPECT_EQ(right.span(), (Span{0, 7, 0, 2}));
-  EXPECT_EQ(right.sat.score, 5);
-  EXPECT_EQ(right.sat.unit_cursor_fwd, right.dna.at(1));
-
-  Seed left("ACACACACAC", 8, 10);
-  left.backward_to(3);
-  EXPECT_EQ(left.span(), (Span{3, 10, 8, 2}));
-  EXPECT_EQ(left.sat.score, 5);
-  EXPECT_EQ(left.sat.unit_cursor_bwd, left.dna.at(8));
-}
-
-// Score 6 before the mismatch; one base short of the end it is 6 - 5 + 4 = 5, so the mismatch does
-// not pay.
-TEST_F(Extension, WhatLiesBehindANearerStopDoesNotCount) {
-  Seed right("ACACACACGCACAC", 0, 2);
-  right.forward_to(13);
+// Score 6 before the mismatch, 6 - 5 + 4 = 5 at the end: the mismatch does not pay.
+TEST_F(Extension, AMismatchThatTheEndLeavesNoRoomToPayForIsNotKept) {
+  Seed right("ACACACACGCACA", 0, 2);
+  right.forward();
   EXPECT_EQ(right.span(), (Span{0, 8, 0, 2}));
   EXPECT_EQ(right.sat.score, 6);
   EXPECT_EQ(right.events(), "");
 
-  Seed left("CACACGCACACACA", 12, 14);
-  left.backward_to(1);
-  EXPECT_EQ(left.span(), (Span{6, 14, 12, 2}));
+  Seed left("ACACGCACACACA", 11, 13);
+  left.backward();
+  EXPECT_EQ(left.span(), (Span{5, 13, 11, 2}));
   EXPECT_EQ(left.sat.score, 6);
   EXPECT_EQ(left.events(), "");
 }

@@ -86,6 +86,7 @@ TEST_F(ExtendExact, BothHalvesOfARepeatAreExtendedAndKept) {
 TEST_F(ExtendExact, OverlapRemovalLeavesTheFirstOfEqualHalves) {
   ExtendedRepeats found(kTwoHalves);
   found.controller.remove_hidden(found.controller.imperfect_sats);
+  found.controller.complete_events(found.controller.imperfect_sats);
   EXPECT_THAT(found.spans(), ElementsAre(Span{0, 29, 0, 2}));
 }
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 #include "search/csearchcontroller.h"
 #include "support/dna.h"
 #include "support/fresh_settings.h"
@@ -23,8 +23,8 @@ void search_as_one_of_a_series(CSearchController& controller) {
   SeriesFilter series;
   const std::size_t offset = series.append(controller.sequence.residues.view());
   series.judge(UnitLengthThresholds::of_scores());
-  const JudgedStarts judged = series.record(offset);
-  controller.use(&judged);
+  const SeriesSurvivors survivors = series.record(offset);
+  controller.set_series_survivors(&survivors);
   controller.complete_imperfect_search(nullptr);
 }
 

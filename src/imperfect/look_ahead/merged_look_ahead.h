@@ -20,8 +20,11 @@
 //   - after a mismatch A is still not beyond B on the diagonal, and B needs no edit at all.
 // So A can be dropped. With a limit, the best score of a path enters its threshold, and this fails.
 //
-// Example, unit AC at ..|GTACAC: mismatch, then insertion, and insertion, then mismatch, arrive at
-// the same A with the same score: the second is dropped.
+// Example, unit AC, at AC|GTACAC where A is due, first move a mismatch: that leads to T, where C is
+// due. Another mismatch there arrives in front of A with A due, on diagonal 0, with two edits. An
+// insertion and a deletion instead arrive at the same A with A due, with three edits and five
+// points less: that state is dropped. The insertion alone arrives in front of the same A, but with
+// C due, on diagonal 1, where no other state is: it stays.
 //
 // Cost: about one state for each level and diagonal. Works for any depth, needs no stack.
 
@@ -29,13 +32,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <utility>
 #include <vector>
 
-#include "imperfect/leap_ahead.h"
-#include "imperfect/mismatch_masks.h"
+#include "imperfect/look_ahead/mismatch_masks.h"
+#include "imperfect/moves.h"
+#include "search/walk.h"
 
 namespace vorlan {
 
@@ -65,33 +68,34 @@ class MergedLookAhead {
 
   /// `planes`, if not null, are those of the sequence that begins at `seq_begin`: they make walks
   /// faster.
-  MergedLookAhead(const AlignmentSettings& settings, UnitSpan unit, const char* stop,
+  MergedLookAhead(const Scoring& scoring, const UnitSpan& unit, const char* stop,
                   const BitPlanes* planes, const char* seq_begin, Memory& memory)
-      : settings_(settings),
+      : scoring_(scoring),
         unit_(unit),
         stop_(stop),
         planes_(planes),
         seq_begin_(seq_begin),
-        floor_(-unit.length() - settings.prefer_longer_repeat),
-        diagonals_(number_of_diagonals(settings, unit)),
+        floor_(scoring.floor(unit.length())),
+        diagonals_(number_of_diagonals(scoring, unit)),
         memory_(memory) {}
 
   /// Whether decisions at this score can be made here: the threshold is a constant, and relative
   /// scores fit 32 bits.
-  bool can_judge(std::int64_t score) const {
-    return settings_.has_constant_threshold() && score - floor_ < kLargestScore &&
-           std::min(settings_.mismatch_score, settings_.indel_score) > -kLargestScore;
+  bool can_decide(std::int64_t score) const {
+    return scoring_.has_constant_threshold() && score - floor_ < kLargestScore &&
+           scoring_.dearest_edit() > -kLargestScore;
   }
 
-  Move best_move(const char* place, const char* cursor, std::int64_t score) {
-    origin_ = place;
-    cursor_ = cursor - unit_.begin;
+  /// See LeapAhead::best_move. Requires that it `can_decide` the score.
+  Move best_move(const Front& front, std::int64_t score) {
+    origin_ = front.place;
+    cursor_ = front.cursor - unit_.begin;
     relative_floor_ = static_cast<std::int32_t>(floor_ - score);
     memory_.seen.resize(static_cast<std::size_t>(diagonals_));
     if (planes_ != nullptr) {
       if (!unit_is_written_) memory_.unit.assign(unit_);
       unit_is_written_ = true;
-      memory_.masks.start(planes_->words(), memory_.unit, place - seq_begin_, cursor_,
+      memory_.masks.start(planes_->words(), memory_.unit, front.place - seq_begin_, cursor_,
                           memory_.seen.size());
     }
     // On equal values a mismatch comes before an insertion and that before a deletion.
@@ -115,10 +119,10 @@ class MergedLookAhead {
   static constexpr std::int32_t kUnreached = std::numeric_limits<std::int32_t>::min();
 
   // Diagonals that have to be told apart: with few edits not all of them can be reached.
-  static std::int32_t number_of_diagonals(const AlignmentSettings& settings, UnitSpan unit) {
-    const std::ptrdiff_t reachable = 2 * std::ptrdiff_t{settings.deepest_level()} + 1;
+  static std::int32_t number_of_diagonals(const Scoring& scoring, UnitSpan unit) {
+    const std::ptrdiff_t reachable = 2 * std::ptrdiff_t{scoring.deepest_level()} + 1;
     return static_cast<std::int32_t>(
-        settings.deepest_level() > 0 ? std::min(unit.length(), reachable) : unit.length());
+        scoring.deepest_level() > 0 ? std::min(unit.length(), reachable) : unit.length());
   }
 
   // The highest score behind the first edit `move`; kUnreached if the floor forbids it.
@@ -127,13 +131,12 @@ class MergedLookAhead {
     for (std::vector<State>& seen : memory_.seen) seen.clear();
     memory_.next_level.clear();
     highest_ = kUnreached;
-    is_last_level_ = settings_.deepest_level() == 1;
+    is_last_level_ = scoring_.deepest_level() == 1;
     make_edit<move>({0, 0, 0});
-    for (int level = 1; level != settings_.deepest_level() && !memory_.next_level.empty();
-         ++level) {
+    for (int level = 1; level != scoring_.deepest_level() && !memory_.next_level.empty(); ++level) {
       std::swap(memory_.level, memory_.next_level);
       memory_.next_level.clear();
-      is_last_level_ = level + 1 == settings_.deepest_level();
+      is_last_level_ = level + 1 == scoring_.deepest_level();
       for (const State& state : memory_.level) {
         make_edit<Move::kMismatch>(state);
         make_edit<Move::kInsertion>(state);
@@ -145,16 +148,14 @@ class MergedLookAhead {
 
   template <Move move>
   void make_edit(State state) {
-    state.score += static_cast<std::int32_t>(move == Move::kMismatch ? settings_.mismatch_score
-                                                                     : settings_.indel_score);
+    state.score += static_cast<std::int32_t>(score_of(move, scoring_));
     if (state.score <= relative_floor_) return;
-    if (move != Move::kDeletion) ++state.advance;
-    if (move == Move::kInsertion) ++state.diagonal;
-    if (move == Move::kDeletion) --state.diagonal;
+    state.advance += residues_used(move);
+    state.diagonal += residues_used(move) - unit_bases_used(move);
     const std::size_t slot = slot_of(state.diagonal);
-    walk(slot, state);
+    walk_on(slot, state);
     highest_ = std::max(highest_, state.score);
-    if (!is_last_level_ && !Direction::at_stop(place_of(state), stop_)) add(slot, state);
+    if (!is_last_level_ && place_of(state) != stop_) add(slot, state);
   }
 
   std::size_t slot_of(std::int32_t diagonal) const {
@@ -166,7 +167,7 @@ class MergedLookAhead {
     return Direction::moved(origin_, state.advance);
   }
 
-  void walk(std::size_t slot, State& state) {
+  void walk_on(std::size_t slot, State& state) {
     if (planes_ != nullptr) {
       const std::int32_t end = memory_.masks.next_mismatch(slot, state.diagonal, state.advance);
       if (end != MismatchMasks<Direction>::kUnknown) {
@@ -180,20 +181,13 @@ class MergedLookAhead {
 
   void walk_step_by_step(State& state) const {
     const std::ptrdiff_t steps = std::ptrdiff_t{state.advance} - state.diagonal;
-    const char* cursor = Direction::unit_base_after(
-        unit_.begin + cursor_, unit_, steps < 0 ? steps % unit_.length() + unit_.length() : steps);
-    const char* const first_place = place_of(state);
-    const char* place = first_place;
-    for (; !Direction::at_stop(place, stop_); place = Direction::next(place)) {
-      const char residue = *Direction::residue(place);
-      if (residue == *cursor) {
-        ++state.score;
-      } else if (residue != 'N' || settings_.longest_N_run == 0) {
-        break;
-      }
-      cursor = Direction::next_unit_base(cursor, unit_);
-    }
-    state.advance += static_cast<std::int32_t>(std::abs(place - first_place));
+    Front front{place_of(state), Direction::unit_base_after(
+                                     unit_.begin + cursor_, unit_,
+                                     steps < 0 ? steps % unit_.length() + unit_.length() : steps)};
+    Steps walked;
+    walk<Direction>(front, unit_, stop_, scoring_.longest_N_run == 0 ? 0 : kAnyNRun, walked);
+    state.score += static_cast<std::int32_t>(walked.matches);
+    state.advance += static_cast<std::int32_t>(walked.matches + walked.Ns);
   }
 
   void add(std::size_t slot, const State& state) {
@@ -205,7 +199,7 @@ class MergedLookAhead {
     memory_.next_level.push_back(state);
   }
 
-  const AlignmentSettings& settings_;
+  const Scoring& scoring_;
   UnitSpan unit_;
   const char* stop_;
   const BitPlanes* planes_;
@@ -213,7 +207,7 @@ class MergedLookAhead {
   std::int64_t floor_;
   std::int32_t diagonals_;
   Memory& memory_;
-  bool unit_is_written_ = false;
+  bool unit_is_written_ = false;  ///< Into the memory; not before the first decision.
   const char* origin_ = nullptr;
   std::ptrdiff_t cursor_ = 0;
   std::int32_t relative_floor_ = 0;

@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-#include "imperfect/candidate_filter_kernel.h"
+#include "imperfect/filter/candidate_filter_kernel.h"
 #include "search/bit_planes.h"
 
 namespace vorlan {

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "imperfect/direction.h"
 #include "search/bit_planes.h"
+#include "search/direction.h"
 
 namespace vorlan {
 
@@ -23,19 +23,59 @@ class PeriodicUnit {
   };
 
   /// Cost: linear in the length, and at least 128 steps.
-  void assign(UnitSpan unit);
+  void assign(const UnitSpan& unit);
 
   /// 64 bases from unit base `offset` on, which may be any number.
   Bits from(std::ptrdiff_t offset) const {
     offset %= length_;
     if (offset < 0) offset += length_;
-    return {BitPlanes::bits_at(low_.data(), offset), BitPlanes::bits_at(high_.data(), offset)};
+    return {bits_at(low_.data(), offset), bits_at(high_.data(), offset)};
   }
 
  private:
   std::ptrdiff_t length_ = 1;
   std::vector<std::uint64_t> low_;
   std::vector<std::uint64_t> high_;
+};
+
+/// How the residues ahead of a place, or the unit bases ahead of a cursor, lie in words of 64 bits
+/// whose lowest bit is the leftmost base. Forward the base that is next has the lowest bit,
+/// backward the highest.
+///
+///     forward    place|0 1 2 .. 63          backward    63 .. 2 1 0|place
+///                      word of bits                     word of bits
+template <class Direction>
+struct WordsAhead;
+
+template <>
+struct WordsAhead<Forward> {
+  /// How far ahead the first bit set is, of those that lie at least `skip` ahead; 64 if none is.
+  static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
+    return bits >> skip == 0 ? 64 : skip + std::countr_zero(bits >> skip);
+  }
+  /// The leftmost residue of the word that begins `ahead` residues ahead of `place`.
+  static std::ptrdiff_t first_residue(std::ptrdiff_t place, std::ptrdiff_t ahead) {
+    return place + ahead;
+  }
+  /// The unit base that meets that residue on `diagonal`, when `cursor` is due at the place.
+  static std::ptrdiff_t first_unit_base(std::ptrdiff_t cursor, std::ptrdiff_t ahead,
+                                        std::ptrdiff_t diagonal) {
+    return cursor + ahead - diagonal;
+  }
+};
+
+template <>
+struct WordsAhead<Backward> {
+  static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
+    return bits << skip == 0 ? 64 : skip + std::countl_zero(bits << skip);
+  }
+  static std::ptrdiff_t first_residue(std::ptrdiff_t place, std::ptrdiff_t ahead) {
+    return place - ahead - 64;
+  }
+  static std::ptrdiff_t first_unit_base(std::ptrdiff_t cursor, std::ptrdiff_t ahead,
+                                        std::ptrdiff_t diagonal) {
+    return cursor - ahead + diagonal - 63;
+  }
 };
 
 /// Where the residues ahead of a decision differ from the unit, on each diagonal, as bits: a walk
@@ -49,7 +89,7 @@ class MismatchMasks {
   static constexpr std::int32_t kUnknown = -1;
 
  private:
-  static constexpr std::int32_t kBits = BitPlanes::kBitsPerWord;
+  static constexpr std::int32_t kBits = kBitsPerWord;
   static constexpr std::int32_t kWords = 4;  // paths of five edits seldom get further
 
  public:
@@ -74,7 +114,7 @@ class MismatchMasks {
     for (std::int32_t word = advance / kBits; word < kWords; ++word, advance = word * kBits) {
       if ((is_known_[slot] >> word & 1) == 0 && !compute(slot, diagonal, word)) return kUnknown;
       const std::uint64_t mask = masks_[slot * kWords + static_cast<std::size_t>(word)];
-      const std::int32_t offset = Direction::first_bit(mask, advance % kBits);
+      const std::int32_t offset = WordsAhead<Direction>::first_bit(mask, advance % kBits);
       if (offset < kBits) return word * kBits + offset;
     }
     return kUnknown;
@@ -82,13 +122,12 @@ class MismatchMasks {
 
  private:
   bool compute(std::size_t slot, std::ptrdiff_t diagonal, std::int32_t word) {
-    const std::ptrdiff_t first = Direction::first_of_word(place_, word * kBits);
-    if (BitPlanes::bits_at(planes_.special, first) != 0) return false;
+    const std::ptrdiff_t first = WordsAhead<Direction>::first_residue(place_, word * kBits);
+    if (bits_at(planes_.no_base, first) != 0) return false;
     const PeriodicUnit::Bits unit =
-        unit_->from(Direction::first_of_word(cursor_, word * kBits, diagonal));
+        unit_->from(WordsAhead<Direction>::first_unit_base(cursor_, word * kBits, diagonal));
     masks_[slot * kWords + static_cast<std::size_t>(word)] =
-        (BitPlanes::bits_at(planes_.low, first) ^ unit.low) |
-        (BitPlanes::bits_at(planes_.high, first) ^ unit.high);
+        (bits_at(planes_.low, first) ^ unit.low) | (bits_at(planes_.high, first) ^ unit.high);
     is_known_[slot] = static_cast<std::uint8_t>(is_known_[slot] | 1 << word);
     return true;
   }
@@ -101,17 +140,17 @@ class MismatchMasks {
   std::vector<std::uint8_t> is_known_;  // one bit for each word
 };
 
-inline void PeriodicUnit::assign(UnitSpan unit) {
+inline void PeriodicUnit::assign(const UnitSpan& unit) {
   length_ = unit.length();
-  const std::ptrdiff_t bits = length_ + BitPlanes::kBitsPerWord;
-  const auto words = static_cast<std::size_t>(bits / BitPlanes::kBitsPerWord + 2);
+  const std::ptrdiff_t bits = length_ + kBitsPerWord;
+  const auto words = static_cast<std::size_t>(bits / kBitsPerWord + 2);
   low_.assign(words, 0);
   high_.assign(words, 0);
   const char* base = unit.begin;
   for (std::ptrdiff_t i = 0; i < bits; ++i) {
-    const auto word = static_cast<std::size_t>(i / BitPlanes::kBitsPerWord);
-    low_[word] |= BitPlanes::low_bit(*base) << i % BitPlanes::kBitsPerWord;
-    high_[word] |= BitPlanes::high_bit(*base) << i % BitPlanes::kBitsPerWord;
+    const auto word = static_cast<std::size_t>(i / kBitsPerWord);
+    low_[word] |= BitPlanes::low_bit(*base) << i % kBitsPerWord;
+    high_[word] |= BitPlanes::high_bit(*base) << i % kBitsPerWord;
     if (++base == unit.end) base = unit.begin;
   }
 }

@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-#include "imperfect/unit_paths.h"
+#include "imperfect/record_search.h"
 #include "search/canchorseq.h"
 #include "search/csat.h"
 
@@ -19,8 +19,8 @@ struct AcceptedRepeat {
   PassedOver passed_over;
 };
 
-/// Keeps the marks of the sequence as accepted repeats require it: each closes its span and opens
-/// its edit positions.
+/// Keeps the marks of the record as accepted repeats require it: each closes its span and opens its
+/// edit positions.
 ///
 /// Idea: in an array thousands of repeats in a row cover the same megabase, and only the last one
 /// that covers a position decides its mark. So spans are kept as a map from stretches to the last
@@ -29,11 +29,25 @@ struct AcceptedRepeat {
 ///
 /// Invariant: the marks from the scan position up to `painted_until` are as if every accepted
 /// repeat had been painted at once.
+///
+/// Example: the scan has painted up to 100 when it accepts [40, 500) from 40, and then [60, 700)
+/// from 60. Painted at once are [40, 100) and [60, 100). The map holds [40, 60) of the first and
+/// [60, 700) of the second repeat: the 400 marks of [100, 500) are painted once, not twice. Repeats
+/// that lie side by side gain nothing.
+///
+/// Cost: a map entry for each stretch, each mark painted once or twice. Without late marks the
+/// painter paints each repeat whole when it is accepted.
 class MarkPainter {
  public:
-  /// All must outlive the painter.
-  MarkPainter(CAnchorSeq& anchors, const UnitPaths& paths, const char* seq_begin)
-      : anchors_(anchors), paths_(paths), painted_until_(seq_begin) {}
+  /// Paints `anchors`, the marks of the record. Both must outlive the painter.
+  MarkPainter(CAnchorSeq& anchors, RecordSearch& record)
+      : anchors_(anchors),
+        ways_(record.ways()),
+        is_late_(record.accelerations().late_marks),
+        painted_until_(record.begin()) {}
+
+  /// The marks, right where they are painted.
+  const CAnchorSeq& anchors() const { return anchors_; }
 
   /// Makes the marks right up to `end`. Cost: linear in what is painted, all in all.
   void paint_until(const char* end);
@@ -42,7 +56,10 @@ class MarkPainter {
   /// until `finish`.
   void accept(AcceptedRepeat repeat, const char* scan_position);
 
-  /// Makes all marks right. Afterwards the stored ways are no longer needed.
+  /// Forgets the stored ways if there are too many, after painting what needs them.
+  void make_room_for_ways();
+
+  /// Makes all marks right. Afterwards the painter needs no stored ways.
   void finish();
 
  private:
@@ -57,10 +74,11 @@ class MarkPainter {
   void paint(const char* begin, const char* end);
   void paint_stretch(const AcceptedRepeat& repeat, const char* begin, const char* end);
   template <class Direction>
-  void open_edits(const PathSegment& segment, const char* begin, const char* end);
+  void open_edits(const WaySegment& segment, const char* begin, const char* end);
 
   CAnchorSeq& anchors_;
-  const UnitPaths& paths_;
+  StoredWays& ways_;
+  bool is_late_;
   const char* painted_until_;
   std::vector<AcceptedRepeat> repeats_;
   Stretches stretches_;  ///< Disjoint, by begin.

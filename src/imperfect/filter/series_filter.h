@@ -27,7 +27,7 @@
 
 namespace vorlan {
 
-class JudgedStarts;
+class SeriesSurvivors;
 
 /// Judges the starts of several records together, for one unit length after the other. Positions
 /// count from 0, in the series or in the record.
@@ -65,7 +65,7 @@ class SeriesFilter {
   void judge(const UnitLengthThresholds& min_scores);
 
   /// What is known of the record that was appended at `offset`. Valid until the next `clear`.
-  JudgedStarts record(std::size_t offset) const;
+  SeriesSurvivors record(std::size_t offset) const;
 
   bool has_judged(unsigned unit_length) const {
     return unit_length >= shortest_unit_ && unit_length <= longest_unit_;
@@ -93,9 +93,9 @@ class SeriesFilter {
 };
 
 /// The starts of one record that its series has judged. A view of the filter.
-class JudgedStarts {
+class SeriesSurvivors {
  public:
-  JudgedStarts(const SeriesFilter& series, std::size_t offset)
+  SeriesSurvivors(const SeriesFilter& series, std::size_t offset)
       : series_(&series), offset_(static_cast<std::ptrdiff_t>(offset)) {}
 
   /// Whether the starts of this unit length were judged.
@@ -104,13 +104,13 @@ class JudgedStarts {
   /// The 64 starts from `first` on that survive, one bit for each. Those behind the last start of
   /// the record are without meaning. Requires that the unit length is known.
   std::uint64_t survivors(unsigned unit_length, std::ptrdiff_t first) const {
-    return BitPlanes::bits_at(series_->survivors(unit_length), offset_ + first);
+    return bits_at(series_->survivors(unit_length), offset_ + first);
   }
 
   /// Whether any of the first `starts` starts survives.
   bool any_survives(unsigned unit_length, std::ptrdiff_t starts) const {
     std::ptrdiff_t first = 0;
-    for (; first + BitPlanes::kBitsPerWord <= starts; first += BitPlanes::kBitsPerWord) {
+    for (; first + kBitsPerWord <= starts; first += kBitsPerWord) {
       if (survivors(unit_length, first) != 0) return true;
     }
     const std::uint64_t behind = ~std::uint64_t{0} << (starts - first);
@@ -122,6 +122,6 @@ class JudgedStarts {
   std::ptrdiff_t offset_;
 };
 
-inline JudgedStarts SeriesFilter::record(std::size_t offset) const { return {*this, offset}; }
+inline SeriesSurvivors SeriesFilter::record(std::size_t offset) const { return {*this, offset}; }
 
 }  // namespace vorlan

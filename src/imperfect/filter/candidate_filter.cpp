@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include "imperfect/candidate_filter.h"
+#include "imperfect/filter/candidate_filter.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <new>
 
-#include "imperfect/alignment_settings.h"
+#include "imperfect/scoring.h"
 #include "search/start_block.h"
 
 namespace vorlan {
@@ -29,8 +29,8 @@ int horizon_of_full_lanes(int unit_length) { return 32 + unit_length; }
 /// An extension of a short unit costs little more than a step of the filter with a few starts; one
 /// of a long unit so much that the filter is never too dear.
 constexpr int kShortUnit = 6;
-int patience_of(int unit_length) { return unit_length <= kShortUnit ? 1 : unit_length; }
-constexpr int kPatienceOfFullLanes = 8;
+int checks_without_loss_of(int unit_length) { return unit_length <= kShortUnit ? 1 : unit_length; }
+constexpr int kChecksWithoutLossOfFullLanes = 8;
 
 /// Residues after which a path of random sequence is rarely alive (4^-10 without edits): counting
 /// before that costs more than it can save.
@@ -55,24 +55,26 @@ constexpr std::size_t kFewestToLookAt = 8;
 constexpr std::size_t kLanes = kFilterStarts;
 
 void set_lowest_bits(std::array<std::uint64_t, kFilterWords>& words, std::size_t count) {
-  constexpr std::size_t kBits = BitPlanes::kBitsPerWord;
+  constexpr auto kBits = static_cast<std::size_t>(kBitsPerWord);
   std::fill_n(words.begin(), count / kBits, ~std::uint64_t{0});
   if (count % kBits != 0) words[count / kBits] = (std::uint64_t{1} << count % kBits) - 1;
 }
 
 FilterPlan plan_of(int unit_length, int min_score, int horizon, int max_gain) {
-  const AlignmentSettings settings;
+  const Scoring scoring = Scoring::of_the_run();
   FilterPlan plan{};
   plan.unit_length = unit_length;
-  plan.floor = -unit_length - static_cast<int>(settings.prefer_longer_repeat);
-  plan.penalty = static_cast<int>(std::min<std::int64_t>(
-      -std::max(settings.mismatch_score, settings.indel_score), std::int64_t{1} << 20));
+  plan.floor = static_cast<int>(scoring.floor(unit_length));
+  // A dearer edit is as good as one that costs this much: no path can afford either.
+  constexpr std::int64_t kDearest = std::int64_t{1} << 20;
+  plan.penalty = static_cast<int>(std::min(-scoring.cheapest_edit(), kDearest));
   plan.min_score = min_score;
   plan.horizon = horizon;
   plan.max_gain = std::min(min_score, max_gain);
   plan.max_edits = (horizon + plan.max_gain - 1 - plan.floor) / plan.penalty + 1;
-  plan.bridges_N = settings.longest_N_run != 0;
-  plan.patience = patience_of(unit_length);
+  plan.row_size = 2 * plan.max_edits + 5;
+  plan.bridges_N = scoring.longest_N_run != 0;
+  plan.checks_without_loss = checks_without_loss_of(unit_length);
   return plan;
 }
 
@@ -80,7 +82,7 @@ FilterPlan plan_of_glance(int unit_length, int min_score) {
   FilterPlan plan =
       plan_of(unit_length, min_score, horizon_of_glance(unit_length), kMaxGainOfGlance);
   plan.first_check = kFirstCheckOfGlance;
-  plan.few = kFewDoubts;
+  plan.few_enough_to_stop = kFewDoubts;
   return plan;
 }
 
@@ -94,7 +96,7 @@ FilterPlan plan_of_short_sequence(int unit_length, int min_score) {
 FilterPlan plan_of_full_lanes(int unit_length, int min_score) {
   FilterPlan plan = plan_of(unit_length, min_score, horizon_of_full_lanes(unit_length), kMaxGain);
   plan.first_check = kFirstCheck;
-  plan.patience += kPatienceOfFullLanes;
+  plan.checks_without_loss += kChecksWithoutLossOfFullLanes;
   return plan;
 }
 
@@ -103,7 +105,7 @@ FilterPlan plan_of_full_lanes(int unit_length, int min_score) {
 std::size_t CandidateFilter::margin(unsigned unit_length) {
   const unsigned filtered = std::min(unit_length, kLongestUnit);
   return filtered + 2 * static_cast<unsigned>(horizon_of_full_lanes(static_cast<int>(filtered))) +
-         StartBlock::kStarts + 2 * BitPlanes::kBitsPerWord;
+         StartBlock::kStarts + 2 * kBitsPerWord;
 }
 
 void CandidateFilter::FreeAligned::operator()(std::byte* memory) const {
@@ -127,7 +129,7 @@ CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, 
 void CandidateFilter::allocate() {
   const FilterPlan& plan = close_look_;
   const auto size = [](int lanes) { return static_cast<std::size_t>(lanes); };
-  const std::size_t row = size(filter_row_size(plan));
+  const std::size_t row = size(plan.row_size);
   const std::size_t shifted = 3 * size(filter_offsets(plan));
   const std::size_t cells = size(plan.max_edits + 1) * row;
   const std::size_t forward_gains = size(plan.max_gain + 1);
@@ -151,8 +153,7 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
   if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
   for (std::size_t i = 0; i < kFilterWords; ++i) {
-    const std::ptrdiff_t begin =
-        (first_word + static_cast<std::ptrdiff_t>(i)) * BitPlanes::kBitsPerWord;
+    const std::ptrdiff_t begin = (first_word + static_cast<std::ptrdiff_t>(i)) * kBitsPerWord;
     for (std::uint64_t left = candidates[i]; left != 0; left &= left - 1) {
       doubts_[doubt_count_++] = begin + std::countr_zero(left);
     }
@@ -179,7 +180,7 @@ std::size_t CandidateFilter::keep_survivors(std::size_t count) {
   for (std::size_t word = 0; word < kFilterWords; ++word) {
     for (std::uint64_t bits = left[word]; bits != 0; bits &= bits - 1) {
       const auto bit = static_cast<std::size_t>(std::countr_zero(bits));
-      survivors_[kept++] = survivors_[word * BitPlanes::kBitsPerWord + bit];
+      survivors_[kept++] = survivors_[word * kBitsPerWord + bit];
     }
   }
   return kept;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include "imperfect/unit_phases.h"
+#include "imperfect/ways/unit_phases.h"
 
 namespace vorlan {
 

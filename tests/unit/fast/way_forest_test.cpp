@@ -3,7 +3,7 @@
 
 // Ways that are followed in jumps against a walk from node to node.
 
-#include "imperfect/path_forest.h"
+#include "imperfect/ways/way_forest.h"
 
 #include <gtest/gtest.h>
 
@@ -12,17 +12,17 @@
 #include <vector>
 
 #include "extension_settings.h"
-#include "imperfect/unit_paths.h"
+#include "imperfect/ways/stored_ways.h"
 #include "random.h"
 
 namespace vorlan {
 
-bool operator==(const PathTotals& a, const PathTotals& b) {
+bool operator==(const AlignmentTotals& a, const AlignmentTotals& b) {
   return a.score == b.score && a.mismatches == b.mismatches && a.insertions == b.insertions &&
          a.deletions == b.deletions && a.num_Ns == b.num_Ns;
 }
 
-void PrintTo(const PathTotals& totals, std::ostream* out) {
+void PrintTo(const AlignmentTotals& totals, std::ostream* out) {
   *out << "score " << totals.score << " mismatches " << totals.mismatches << " insertions "
        << totals.insertions << " deletions " << totals.deletions << " N " << totals.num_Ns;
 }
@@ -38,7 +38,7 @@ struct PlainNode {
   bool is_terminal;
   bool is_root;
   NodeId next;  ///< kNoNode where the way ends.
-  PathTotals gain;
+  AlignmentTotals gain;
 };
 
 /// A forest in both forms that grows like those of a search: by nodes before others, by roots, and
@@ -48,7 +48,7 @@ class GrownForest {
   GrownForest(Random& random, bool prefer_later)
       : random_(random), prefer_later_(prefer_later), forest_(prefer_later) {}
 
-  const PathForest& forest() const { return forest_; }
+  const WayForest& forest() const { return forest_; }
   const std::vector<PlainNode>& nodes() const { return plain_; }
 
   /// Adds a node, or lets a root go on. `rise` and `fall` bound what a step gains and loses.
@@ -60,9 +60,9 @@ class GrownForest {
   }
 
   /// Walks node by node.
-  PathEnd follow_slowly(NodeId first, const PathTotals& totals, std::int64_t lowest_score,
-                        std::int64_t best_score) const {
-    PathEnd end{.node = first, .totals = totals};
+  WayEnd follow_slowly(NodeId first, const AlignmentTotals& totals, std::int64_t lowest_score,
+                       std::int64_t best_score) const {
+    WayEnd end{.node = first, .totals = totals};
     while (plain_[end.node].next != kNoNode) {
       end.totals = end.totals + plain_[end.node].gain;
       end.node = plain_[end.node].next;
@@ -103,7 +103,7 @@ class GrownForest {
     const std::uint32_t place =
         plain_[next].place - 1 - static_cast<std::uint32_t>(random_.below(9));
     const std::uint32_t phase = free_phase(place);
-    const PathTotals gain = random_gain(rise, fall);
+    const AlignmentTotals gain = random_gain(rise, fall);
     plain_.push_back({place, phase, false, false, next, gain});
     ASSERT_EQ(forest_.add(place, phase, Move::kMismatch, next, gain), plain_.size() - 1);
   }
@@ -119,14 +119,14 @@ class GrownForest {
     forest_.continue_root(root, Move::kInsertion, target, node.gain);
   }
 
-  PathTotals random_gain(int rise, int fall) {
+  AlignmentTotals random_gain(int rise, int fall) {
     const auto count = [&] { return static_cast<std::uint32_t>(random_.below(4)); };
     return {random_.between(-fall, rise), count(), count(), count(), count()};
   }
 
   Random& random_;
   bool prefer_later_;
-  PathForest forest_;
+  WayForest forest_;
   std::vector<PlainNode> plain_;
   std::set<std::pair<std::uint32_t, std::uint32_t>> keys_;
 };
@@ -141,12 +141,12 @@ struct Met {
 void expect_same_end(Random& random, const GrownForest& grown, Met& met) {
   const auto first = static_cast<NodeId>(random.below(grown.nodes().size()));
   const auto count = [&] { return static_cast<std::uint32_t>(random.below(1000)); };
-  const PathTotals totals{random.between(0, 200), count(), count(), count(), count()};
+  const AlignmentTotals totals{random.between(0, 200), count(), count(), count(), count()};
   const std::int64_t lowest_score =
       totals.score - (random.per_cent(70) ? random.between(0, 60) : random.between(0, 2000));
   const std::int64_t best_score = totals.score + random.between(-20, 60);
-  const PathEnd expected = grown.follow_slowly(first, totals, lowest_score, best_score);
-  const PathEnd found = grown.forest().follow(first, totals, lowest_score, best_score);
+  const WayEnd expected = grown.follow_slowly(first, totals, lowest_score, best_score);
+  const WayEnd found = grown.forest().follow(first, totals, lowest_score, best_score);
   ASSERT_EQ(found.node, expected.node) << "from node " << first;
   ASSERT_EQ(found.totals, expected.totals) << "from node " << first;
   ASSERT_EQ(found.best_node, expected.best_node) << "from node " << first;
@@ -189,7 +189,7 @@ TEST_P(PathForestWith, FindsEveryDecisionPointAfterItHasGrown) {
   Random random(1);
   GrownForest grown(random, true);
   for (int i = 0; i < 3000; ++i) grown.grow(GetParam().rise, GetParam().fall);
-  const PathForest& forest = grown.forest();
+  const WayForest& forest = grown.forest();
   ASSERT_EQ(forest.size(), grown.nodes().size());
   for (NodeId id = 0; id < forest.size(); ++id) {
     const PlainNode& node = grown.nodes()[id];
@@ -212,7 +212,7 @@ INSTANTIATE_TEST_SUITE_P(Slopes, PathForestWith,
                          [](const auto& param) { return param.param.name; });
 
 /// A way of `length` steps that each gain `score` and a mismatch. Returns its first node.
-NodeId add_even_way(PathForest& forest, std::uint32_t length, std::int64_t score) {
+NodeId add_even_way(WayForest& forest, std::uint32_t length, std::int64_t score) {
   NodeId id = forest.add_root(length, 0, true);
   for (std::uint32_t place = length; place > 0; --place) {
     id = forest.add(place - 1, 0, Move::kMismatch, id, {score, 1, 0, 0, 0});
@@ -220,30 +220,30 @@ NodeId add_even_way(PathForest& forest, std::uint32_t length, std::int64_t score
   return id;
 }
 
-TEST(PathForest, EndsALongDescentAtTheFirstNodeThatIsTooLow) {
+TEST(WayForest, EndsALongDescentAtTheFirstNodeThatIsTooLow) {
   constexpr std::uint32_t kLength = 3000;
-  PathForest forest(true);
+  WayForest forest(true);
   const NodeId first = add_even_way(forest, kLength, -2);
   for (std::uint32_t steps = 1; steps < kLength; steps += 7) {
     // Below 1000 - 2 * steps + 1 for the first time after this many steps.
-    const PathEnd end =
+    const WayEnd end =
         forest.follow(first, {1000, 0, 0, 0, 0}, 1001 - 2 * std::int64_t{steps}, 1000);
     ASSERT_EQ(forest[end.node].place, steps);
-    ASSERT_EQ(end.totals, (PathTotals{1000 - 2 * std::int64_t{steps}, steps, 0, 0, 0}));
+    ASSERT_EQ(end.totals, (AlignmentTotals{1000 - 2 * std::int64_t{steps}, steps, 0, 0, 0}));
     ASSERT_EQ(end.best_node, kNoNode);
   }
 }
 
-TEST(PathForest, RemembersTheLaterOrTheEarlierOfEqualBestNodes) {
+TEST(WayForest, RemembersTheLaterOrTheEarlierOfEqualBestNodes) {
   constexpr std::uint32_t kLength = 500;
   for (const bool prefer_later : {false, true}) {
-    PathForest forest(prefer_later);
+    WayForest forest(prefer_later);
     const NodeId first = add_even_way(forest, kLength, 0);
     // All nodes have score 20: better than 19, as good as 20, worse than 21.
-    const PathEnd better = forest.follow(first, {20, 0, 0, 0, 0}, 0, 19);
+    const WayEnd better = forest.follow(first, {20, 0, 0, 0, 0}, 0, 19);
     ASSERT_NE(better.best_node, kNoNode);
     EXPECT_EQ(forest[better.best_node].place, prefer_later ? kLength : 1);
-    const PathEnd equal = forest.follow(first, {20, 0, 0, 0, 0}, 0, 20);
+    const WayEnd equal = forest.follow(first, {20, 0, 0, 0, 0}, 0, 20);
     if (prefer_later) {
       ASSERT_NE(equal.best_node, kNoNode);
       EXPECT_EQ(forest[equal.best_node].place, kLength);
@@ -254,8 +254,8 @@ TEST(PathForest, RemembersTheLaterOrTheEarlierOfEqualBestNodes) {
   }
 }
 
-TEST(PathForest, JumpsAlongTheTreeAndStaysAtItsRoot) {
-  PathForest forest(true);
+TEST(WayForest, JumpsAlongTheTreeAndStaysAtItsRoot) {
+  WayForest forest(true);
   const NodeId first = add_even_way(forest, 1000, 1);
   NodeId id = first;
   for (int jumps = 0; !forest[id].is_terminal; ++jumps) {
@@ -267,29 +267,29 @@ TEST(PathForest, JumpsAlongTheTreeAndStaysAtItsRoot) {
   EXPECT_EQ(forest.jump(id), id);
 }
 
-TEST(PathForest, KnowsNothingAfterItWasCleared) {
-  PathForest forest(true);
+TEST(WayForest, KnowsNothingAfterItWasCleared) {
+  WayForest forest(true);
   add_even_way(forest, 2000, 1);
   forest.clear();
   EXPECT_EQ(forest.size(), 0U);
   EXPECT_EQ(forest.find(5, 0), kNoNode);
   const NodeId first = add_even_way(forest, 10, 1);
   EXPECT_EQ(forest.find(0, 0), first);
-  EXPECT_EQ(forest.follow(first, {0, 0, 0, 0, 0}, 0, 0).totals, (PathTotals{10, 10, 0, 0, 0}));
+  EXPECT_EQ(forest.follow(first, {0, 0, 0, 0, 0}, 0, 0).totals, (AlignmentTotals{10, 10, 0, 0, 0}));
 }
 
 // The first unit of all is phase 0 from its smallest base on; the second would begin at 2.
-TEST(UnitPaths, KnowNothingOfEitherDirectionAfterTheyWereForgotten) {
-  UnitPaths paths("", AlignmentSettings());
-  EXPECT_EQ(paths.phases().of("AC").phase(0), 0U);
-  paths.forest(Forward{}).add_root(5, 0, false);
-  paths.forest(Backward{}).add_root(7, 1, false);
-  EXPECT_EQ(paths.stored_nodes(), 2U);
-  paths.forget();
-  EXPECT_EQ(paths.stored_nodes(), 0U);
-  EXPECT_EQ(paths.forest(Forward{}).find(5, 0), kNoNode);
-  EXPECT_EQ(paths.forest(Backward{}).find(7, 1), kNoNode);
-  EXPECT_EQ(paths.phases().of("GT").phase(0), 0U);
+TEST(StoredWays, KnowNothingOfEitherDirectionAfterTheyWereForgotten) {
+  StoredWays ways("", Scoring::of_the_run());
+  EXPECT_EQ(ways.phases().of("AC").phase(0), 0U);
+  ways.forest(Forward{}).add_root(5, 0, false);
+  ways.forest(Backward{}).add_root(7, 1, false);
+  EXPECT_EQ(ways.nodes(), 2U);
+  ways.forget();
+  EXPECT_EQ(ways.nodes(), 0U);
+  EXPECT_EQ(ways.forest(Forward{}).find(5, 0), kNoNode);
+  EXPECT_EQ(ways.forest(Backward{}).find(7, 1), kNoNode);
+  EXPECT_EQ(ways.phases().of("GT").phase(0), 0U);
 }
 
 TEST(NodeTable, FindsNothingWhileItIsEmpty) {

@@ -5,7 +5,7 @@
 // nothing but plain loops: an inline function of a library, compiled here for wide registers, could
 // be the copy that the linker keeps for the whole program.
 
-#include "imperfect/candidate_filter_kernel.h"
+#include "imperfect/filter/candidate_filter_kernel.h"
 
 namespace vorlan::VORLAN_FILTER_LEVEL {
 namespace {
@@ -18,9 +18,9 @@ constexpr int kResiduesPerCheck = 2;
 struct Automaton {
   const FilterPlan& plan;
   const FilterBuffers& buffers;
-  bool has_special;  // N or positions outside the sequence
+  bool lacks_bases;  // N or positions outside the sequence
 
-  std::ptrdiff_t row_size() const { return filter_row_size(plan); }
+  std::ptrdiff_t row_size() const { return plan.row_size; }
   std::ptrdiff_t middle() const { return row_size() / 2; }
 
   /// Diagonal 0 of the row of cells with so many edits.
@@ -45,10 +45,10 @@ bool is_empty(const Lanes& lanes) {
 }
 
 // Whether there is anything but bases where the starts from `first` to `last` look.
-bool has_special(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first,
+bool lacks_bases(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first,
                  std::ptrdiff_t last) {
-  const std::uint64_t* word = planes.special + ((first - plan.horizon) >> 6);
-  const std::uint64_t* end = planes.special + ((last + plan.unit_length + plan.horizon) >> 6) + 1;
+  const std::uint64_t* word = planes.no_base + ((first - plan.horizon) >> 6);
+  const std::uint64_t* end = planes.no_base + ((last + plan.unit_length + plan.horizon) >> 6) + 1;
   std::uint64_t any = 0;
   for (; word != end; ++word) any |= *word;
   return any != 0;
@@ -108,7 +108,7 @@ void gather_plane(const FilterPlan& plan, const std::uint64_t* plane, const std:
 void set_mismatch(const Automaton& automaton, const Lanes* text, const Lanes* unit,
                   Lanes& mismatch) {
   mismatch = (text[0] ^ unit[0]) | (text[1] ^ unit[1]);
-  if (!automaton.has_special) return;
+  if (!automaton.lacks_bases) return;
   mismatch |= text[2];
   if (automaton.plan.bridges_N) mismatch &= ~text[2] | text[0];
 }
@@ -133,35 +133,52 @@ void clear_row(const Automaton& automaton, int edits) {
   for (int d = -edits; d <= edits; ++d) row[d] = Lanes{};
 }
 
-// Moves all paths with `edits` edits over residue j. `from` holds, on diagonals up to `from_last`,
-// the paths that leave the row above by an edit at this residue; `to` receives those that leave
-// this row, on diagonals up to `to_last`. Edits from lower rows leave more score: to_last <
-// from_last. Returns the starts that have a path in the row afterwards.
-Lanes step_row(const Automaton& automaton, int j, int edits, int from_last, int to_last,
-               const Lanes* from, Lanes* to) {
+// The paths that leave a row of cells by an edit at one residue, on diagonals up to `last`.
+struct Leaving {
+  Lanes* lanes;  // diagonal 0
+  int last;
+};
+
+// Moves all paths with `edits` edits over residue j. Those that leave the row with one edit less
+// come in from `above`; those that leave this row are left in `here`. Where fewer edits were made
+// more score is left to spend: here.last < above.last. Returns the starts that have a path in the
+// row afterwards.
+//
+//                     diagonal   d-1        d        d+1
+//     above (e-1 edits)        insertion mismatch deletion
+//                                     \     |     /
+//     row (e edits)                     cell d            stays there if residue j matches
+//                                          |
+//     here                       leaves from d if residue j does not match
+//
+// A deletion consumes no residue: whoever comes in by one still has to match residue j, or leaves
+// again at once.
+Lanes step_row(const Automaton& automaton, int j, int edits, const Leaving& above,
+               const Leaving& here) {
   Lanes* row = automaton.row(edits);
   const Lanes* mismatches = automaton.buffers.mismatches + automaton.middle();
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
-  const int last_receiver = smaller(from_last + 1, last_diagonal);
+  const int last_receiver = smaller(above.last + 1, last_diagonal);
   Lanes in_row = {};
   int d = -edits;
-  for (; d <= to_last; ++d) {
-    const Lanes here = row[d] | from[d + 1];  // a deletion consumes no residue
-    to[d] = here & mismatches[d];
-    row[d] = (here & ~mismatches[d]) | from[d] |  // a mismatch
-             from[d - 1];                         // an insertion
+  const Lanes* const enter = above.lanes;
+  for (; d <= here.last; ++d) {
+    const Lanes before_residue = row[d] | enter[d + 1];
+    here.lanes[d] = before_residue & mismatches[d];
+    row[d] = (before_residue & ~mismatches[d]) | enter[d] | enter[d - 1];
     in_row |= row[d];
   }
   for (; d <= last_receiver; ++d) {
-    row[d] = ((row[d] | from[d + 1]) & ~mismatches[d]) | from[d] | from[d - 1];
+    row[d] = ((row[d] | enter[d + 1]) & ~mismatches[d]) | enter[d] | enter[d - 1];
     in_row |= row[d];
   }
   for (; d <= last_diagonal; ++d) {
     row[d] &= ~mismatches[d];
     in_row |= row[d];
   }
-  to[-edits - 2] = to[-edits - 1] = to[to_last + 1] = to[to_last + 2] = Lanes{};
+  // The row below reads two neighbours on either side.
+  for (int i = 1; i <= 2; ++i) here.lanes[-edits - i] = here.lanes[here.last + i] = Lanes{};
   return in_row;
 }
 
@@ -208,25 +225,22 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
     const int last_row = smaller(to_spend < 0 ? 0 : to_spend / plan.penalty, plan.max_edits);
     while (highest_row < last_row) clear_row(automaton, ++highest_row);
     set_mismatches(automaton, forward, j, -highest_row, smaller(highest_row, j + 1));
-    const Lanes* from = automaton.buffers.nothing + automaton.middle();
-    int from_last = -lowest_row - 2;
+    Leaving above{automaton.buffers.nothing + automaton.middle(), -lowest_row - 2};
     lanes = Lanes{};
     for (int edits = lowest_row; edits <= highest_row; ++edits) {
       // Edits from diagonals up to here keep the score above the floor.
       const int spare = to_spend - plan.penalty * (edits + 1);
-      const int to_last =
-          spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
-      Lanes* to = automaton.leaving(edits);
-      lanes |= step_row(automaton, j, edits, from_last, to_last, from, to);
+      const int last = spare < 0 ? -edits - 1 : smaller(2 * spare - edits, smaller(edits, j + 1));
+      const Leaving here{automaton.leaving(edits), last};
+      lanes |= step_row(automaton, j, edits, above, here);
       if (edits == lowest_row && is_empty(lanes)) ++lowest_row;
-      from = to;
-      from_last = to_last;
+      above = here;
     }
     add_gains(automaton, j + 1, lowest_row, highest_row, max_gain, gains);
     if (j + 1 < plan.first_check || (j + 1) % kResiduesPerCheck != 0) continue;
     const int left = count_starts(lanes);
     idle_checks = left < left_before ? 0 : idle_checks + 1;
-    if (left <= plan.few || idle_checks > plan.patience) break;
+    if (left <= plan.few_enough_to_stop || idle_checks > plan.checks_without_loss) break;
     left_before = left;
   }
   for (int gain = max_gain; gain > 0; --gain) gains[gain - 1] |= gains[gain];
@@ -259,12 +273,12 @@ void judge(const Automaton& automaton, std::uint64_t* candidates) {
 
 // Shows the automaton the planes as `see` shows each of them, and lets it judge.
 template <class See>
-void look_and_judge(const FilterPlan& plan, const BitPlanes::Words& planes, bool special,
+void look_and_judge(const FilterPlan& plan, const BitPlanes::Words& planes, bool no_base,
                     const FilterBuffers& buffers, std::uint64_t* candidates, See see) {
   see(planes.low, buffers.shifted);
   see(planes.high, buffers.shifted + 1);
-  if (special) see(planes.special, buffers.shifted + 2);
-  judge({plan, buffers, special}, candidates);
+  if (no_base) see(planes.no_base, buffers.shifted + 2);
+  judge({plan, buffers, no_base}, candidates);
 }
 
 }  // namespace
@@ -272,7 +286,7 @@ void look_and_judge(const FilterPlan& plan, const BitPlanes::Words& planes, bool
 void judge_block(const FilterPlan& plan, const BitPlanes::Words& planes, std::ptrdiff_t first_word,
                  const FilterBuffers& buffers, std::uint64_t* candidates) {
   const std::ptrdiff_t first = first_word * kBitsPerWord;
-  look_and_judge(plan, planes, has_special(plan, planes, first, first + kFilterStarts - 1), buffers,
+  look_and_judge(plan, planes, lacks_bases(plan, planes, first, first + kFilterStarts - 1), buffers,
                  candidates, [&](const std::uint64_t* plane, Lanes* shifted) {
                    shift_plane(plan, plane, first_word, shifted);
                  });
@@ -281,7 +295,7 @@ void judge_block(const FilterPlan& plan, const BitPlanes::Words& planes, std::pt
 void judge_starts(const FilterPlan& plan, const BitPlanes::Words& planes,
                   const std::ptrdiff_t* starts, const FilterBuffers& buffers,
                   std::uint64_t* candidates) {
-  look_and_judge(plan, planes, has_special(plan, planes, starts[0], starts[kFilterStarts - 1]),
+  look_and_judge(plan, planes, lacks_bases(plan, planes, starts[0], starts[kFilterStarts - 1]),
                  buffers, candidates, [&](const std::uint64_t* plane, Lanes* shifted) {
                    gather_plane(plan, plane, starts, shifted);
                  });

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include "imperfect/series_filter.h"
+#include "imperfect/filter/series_filter.h"
 
 #include <algorithm>
 #include <bit>
@@ -9,13 +9,11 @@
 #include <numeric>
 
 #include "config/settings.h"
-#include "imperfect/candidate_filter.h"
+#include "imperfect/filter/candidate_filter.h"
 #include "search/start_block.h"
 
 namespace vorlan {
 namespace {
-
-constexpr std::size_t kBitsPerWord = BitPlanes::kBitsPerWord;
 
 static_assert(SeriesFilter::kLongestUnit <= CandidateFilter::kLongestUnit);
 
@@ -24,7 +22,7 @@ static_assert(SeriesFilter::kLongestUnit <= CandidateFilter::kLongestUnit);
 constexpr std::size_t kFewResiduesPerSurvivor = 4;
 
 void close(std::vector<std::uint64_t>& starts, std::size_t start) {
-  starts[start / kBitsPerWord] &= ~(std::uint64_t{1} << start % kBitsPerWord);
+  starts[start / 64] &= ~(std::uint64_t{1} << start % 64);
 }
 
 // Lets the filter look closely, and opens the starts that survive.
@@ -47,9 +45,9 @@ void SeriesFilter::judge(const UnitLengthThresholds& min_scores) {
   const auto blocks = residues_.size() / StartBlock::kStarts + 1;
   words_ = blocks * StartBlock::kWords;
   survivors_.resize((longest_unit_ - shortest_unit_ + 1) * words_ + 1);
-  const std::uint64_t* const special = planes.words().special;
+  const std::uint64_t* const no_base = planes.words().no_base;
   starts_.resize(words_);
-  std::transform(special, special + words_, starts_.begin(), std::bit_not());
+  std::transform(no_base, no_base + words_, starts_.begin(), std::bit_not());
   for (unsigned unit_length = 1; unit_length <= longest_unit_; ++unit_length) {
     close_last_starts(unit_length);
     if (unit_length < shortest_unit_) continue;

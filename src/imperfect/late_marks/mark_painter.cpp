@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include "imperfect/mark_painter.h"
+#include "imperfect/late_marks/mark_painter.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "imperfect/extension.h"
+#include "imperfect/moves.h"
 
 namespace vorlan {
 namespace {
@@ -23,10 +23,10 @@ bool is_behind(Backward, const char* place, const char* begin, const char*) {
 
 // The first node from `id` on that can have an edit in [begin, end), or one a little before it.
 template <class Direction>
-NodeId skip_to(const UnitPaths& paths, NodeId id, const char* begin, const char* end) {
-  const PathForest& forest = paths.forest(Direction{});
+NodeId skip_to(const StoredWays& ways, NodeId id, const char* begin, const char* end) {
+  const WayForest& forest = ways.forest(Direction{});
   const auto lies_before = [&](NodeId node) {
-    return is_before(Direction{}, paths.place_of(forest[node]), begin, end);
+    return is_before(Direction{}, ways.place_of(forest[node]), begin, end);
   };
   for (;;) {
     const NodeId jump = forest.jump(id);
@@ -53,12 +53,19 @@ void MarkPainter::paint_until(const char* end) {
 void MarkPainter::accept(AcceptedRepeat repeat, const char* scan_position) {
   const char* begin = repeat.sat->pos_left;
   const char* end = repeat.sat->pos_right;
+  if (!is_late_) return paint_stretch(repeat, begin, end);
   repeats_.push_back(std::move(repeat));
   cover(begin, end, repeats_.size() - 1);
   // The scan goes on with the next start and looks at one mark before it.
   const char* first = std::max(begin, scan_position);
   const char* last = std::min(end, painted_until_);
   if (first < last) paint_stretch(repeats_.back(), first, last);
+}
+
+void MarkPainter::make_room_for_ways() {
+  if (!ways_.is_full()) return;
+  finish();
+  ways_.forget();
 }
 
 void MarkPainter::finish() {
@@ -101,20 +108,20 @@ void MarkPainter::paint_stretch(const AcceptedRepeat& repeat, const char* begin,
   for (const Missense& event : repeat.sat->missense) {
     if (event.first >= begin && event.first < end) anchors_.open(event.first);
   }
-  for (const PathSegment& segment : repeat.passed_over.forward)
+  for (const WaySegment& segment : repeat.passed_over.forward)
     open_edits<Forward>(segment, begin, end);
-  for (const PathSegment& segment : repeat.passed_over.backward)
+  for (const WaySegment& segment : repeat.passed_over.backward)
     open_edits<Backward>(segment, begin, end);
 }
 
 template <class Direction>
-void MarkPainter::open_edits(const PathSegment& segment, const char* begin, const char* end) {
-  const PathForest& forest = paths_.forest(Direction{});
+void MarkPainter::open_edits(const WaySegment& segment, const char* begin, const char* end) {
+  const WayForest& forest = ways_.forest(Direction{});
   // Nodes behind the segment are not on the way of this repeat.
-  if (is_before(Direction{}, paths_.place_of(forest[segment.to]), begin, end)) return;
-  const NodeId first = skip_to<Direction>(paths_, segment.from, begin, end);
+  if (is_before(Direction{}, ways_.place_of(forest[segment.to]), begin, end)) return;
+  const NodeId first = skip_to<Direction>(ways_, segment.from, begin, end);
   for (NodeId id = first; id != segment.to; id = forest.after(id)) {
-    const char* place = paths_.place_of(forest[id]);
+    const char* place = ways_.place_of(forest[id]);
     if (is_behind(Direction{}, place, begin, end)) break;
     const char* position = event_of<Direction>(forest[id].move, place).first;
     if (position >= begin && position < end) anchors_.open(position);

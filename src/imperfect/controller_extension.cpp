@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The members of the controller that extend repeats over edits, for whoever holds a controller.
+
+#include <cassert>
+
+#include "imperfect/record_search.h"
+#include "search/csearchcontroller.h"
+
+namespace vorlan {
+
+RecordSearch& CSearchController::record_search(SeedKind seed) {
+  if (record_search_ == nullptr) {
+    record_search_ =
+        std::make_shared<RecordSearch>(residues(), longest_unit(), seed, accelerations_);
+  }
+  return *record_search_;
+}
+
+void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
+  RecordSearch& record = record_search(SeedKind::kPerfectRepeat);
+  extend_seeds(record.planes(), [&](Csat& seed) {
+    if (record.ways().is_full()) record.ways().forget();
+    const unsigned unit_length = seed.unit_length();
+    PassedOver passed_over;
+    return record.extend_and_accept(
+        seed, {(*minScores_user)[unit_length], (*minLengths_user)[unit_length]}, passed_over);
+  });
+}
+
+void CSearchController::complete_events(CsatContainer& sats) {
+  for (Csat* sat : sats) {
+    if (sat->events_pending) record_search_->complete_events(*sat);
+  }
+}
+
+void CSearchController::extend_imperfect_forward(Csat& sat, [[maybe_unused]] const char* stop) {
+  assert(stop == seq_end());
+  record_search(SeedKind::kUnit).extend_with_events<Forward>(sat, seq_end());
+}
+
+void CSearchController::extend_imperfect_backward(Csat& sat, [[maybe_unused]] const char* stop) {
+  assert(stop == seq_begin());
+  record_search(SeedKind::kUnit).extend_with_events<Backward>(sat, seq_begin());
+}
+
+}  // namespace vorlan

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <tuple>
+
+#include "imperfect/look_ahead/merged_look_ahead.h"
+#include "imperfect/scoring.h"
+#include "imperfect/ways/stored_ways.h"
+#include "search/accelerations.h"
+#include "search/bit_planes.h"
+#include "search/csat.h"
+
+namespace vorlan {
+
+/// The smallest score and repeat length, in bases, that a repeat needs to be accepted.
+struct Thresholds {
+  int score;
+  int length;
+};
+
+/// What the imperfect searches of one record share, and the extension of its candidates. Lives from
+/// the first candidate until the events of the reported repeats are complete.
+///
+/// Events on demand: of the thousands of long alignments that an array yields nearly all are
+/// removed again. An alignment is a function of its start, so those with many edits do not note
+/// their events; `complete_events` makes the alignments of the repeats that stay once more.
+class RecordSearch {
+ public:
+  /// For the record with these residues, which must outlive this, and units of up to
+  /// `longest_unit` bases. Throws std::bad_alloc. Cost: linear.
+  RecordSearch(std::string_view residues, unsigned longest_unit, SeedKind seed,
+               const Accelerations& accelerations);
+
+  const char* begin() const { return residues_.data(); }
+  const char* end() const { return residues_.data() + residues_.size(); }
+
+  const Accelerations& accelerations() const { return accelerations_; }
+  const Scoring& scoring() const { return scoring_; }
+
+  /// The residues as bits, with a margin for every filter.
+  const BitPlanes& planes() const { return planes_; }
+
+  /// The memory of the look-ahead.
+  template <class Direction>
+  MergedLookAheadMemory<Direction>& memory() {
+    return std::get<MergedLookAheadMemory<Direction>>(memories_);
+  }
+
+  /// The ways of all extensions so far; empty where ways are not shared.
+  StoredWays& ways() { return ways_; }
+
+  /// The ways, or null where decisions cannot be shared.
+  StoredWays* shared_ways() { return shares_ways_ ? &ways_ : nullptr; }
+
+  /// Extends `sat` in both directions and trims it. Returns whether it reaches the thresholds; only
+  /// then its events are sorted, and complete unless there are many: those are left in
+  /// `passed_over`, as `sat.events_pending` says.
+  bool extend_and_accept(Csat& sat, const Thresholds& thresholds, PassedOver& passed_over);
+
+  /// Extends `sat` in one direction with all events.
+  template <class Direction>
+  void extend_with_events(Csat& sat, const char* stop);
+
+  /// Finds the events of a repeat that was accepted without noting them all.
+  void complete_events(Csat& sat);
+
+ private:
+  bool notes_events(const Csat& sat) const;
+
+  std::string_view residues_;
+  SeedKind seed_;
+  Accelerations accelerations_;
+  Scoring scoring_;
+  BitPlanes planes_;
+  std::tuple<MergedLookAheadMemory<Forward>, MergedLookAheadMemory<Backward>> memories_;
+  StoredWays ways_;
+  bool shares_ways_;
+};
+
+}  // namespace vorlan

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+namespace vorlan {
+
+/// Which engines may help the searches. None of them changes a result: with all of them left out
+/// the searches do step by step what their definitions say.
+///
+/// Handed in where a search is made. The program always uses all; tests leave engines out to
+/// compare, and the benchmarks to see what each is worth.
+struct Accelerations {
+  bool exact_filter = true;       ///< search/exact_filter.h
+  bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
+  bool series_filter = true;      ///< imperfect/filter/series_filter.h
+  bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
+  bool shared_ways = true;        ///< imperfect/ways/way_forest.h
+  bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h
+  bool events_on_demand = true;   ///< imperfect/record_search.h; works on shared ways alone
+
+  static constexpr Accelerations none() {
+    return {.exact_filter = false,
+            .candidate_filter = false,
+            .series_filter = false,
+            .merged_look_ahead = false,
+            .shared_ways = false,
+            .late_marks = false,
+            .events_on_demand = false};
+  }
+};
+
+/// An engine by name, for tests and benchmarks that go through all.
+struct NamedAcceleration {
+  const char* name;
+  bool Accelerations::*is_on;
+};
+inline constexpr NamedAcceleration kAccelerations[] = {
+    {"exact_filter", &Accelerations::exact_filter},
+    {"candidate_filter", &Accelerations::candidate_filter},
+    {"series_filter", &Accelerations::series_filter},
+    {"merged_look_ahead", &Accelerations::merged_look_ahead},
+    {"shared_ways", &Accelerations::shared_ways},
+    {"late_marks", &Accelerations::late_marks},
+    {"events_on_demand", &Accelerations::events_on_demand},
+};
+
+}  // namespace vorlan
