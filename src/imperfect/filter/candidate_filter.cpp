@@ -189,12 +189,14 @@ std::size_t CandidateFilter::keep_survivors(std::size_t count) {
 namespace {
 
 std::vector<FilterKernel> kernels_of_this_processor() {
-  std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts}};
+  std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts, "portable"}};
 #ifdef VORLAN_X86_KERNELS
   if (!__builtin_cpu_supports("bmi2")) return kernels;
-  if (__builtin_cpu_supports("avx2")) kernels.push_back({avx2::judge_block, avx2::judge_starts});
+  if (__builtin_cpu_supports("avx2")) {
+    kernels.push_back({avx2::judge_block, avx2::judge_starts, "avx2"});
+  }
   if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
-    kernels.push_back({avx512::judge_block, avx512::judge_starts});
+    kernels.push_back({avx512::judge_block, avx512::judge_starts, "avx512"});
   }
 #endif
   return kernels;
