@@ -31,6 +31,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -88,6 +89,7 @@ class MergedLookAhead {
 
   /// See LeapAhead::best_move. Requires that it `can_decide` the score.
   Move best_move(const Front& front, std::int64_t score) {
+    assert(can_decide(score));
     origin_ = front.place;
     cursor_ = front.cursor - unit_.begin;
     relative_floor_ = static_cast<std::int32_t>(floor_ - score);
