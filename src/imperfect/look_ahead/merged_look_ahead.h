@@ -46,6 +46,9 @@ namespace vorlan {
 /// Memory of the look-ahead, reused from decision to decision. Scores are relative to the decision.
 template <class Direction>
 struct MergedLookAheadMemory {
+  // An alignment consumes no more residues than a sequence has.
+  static_assert(CSequence_Mol::kMaxResidues <= std::numeric_limits<std::int32_t>::max());
+
   struct State {
     std::int32_t advance;   ///< Residues consumed since the decision.
     std::int32_t diagonal;  ///< Insertions - deletions since the decision.
