@@ -45,7 +45,7 @@ template <class Direction>
 class Extension {
  public:
   Extension(Csat& sat, const char* stop, ExtensionContext& context,
-            std::vector<PathSegment>& segments)
+            std::vector<PathSegment>& segments, std::int64_t least_score)
       : sat_(sat),
         unit_{sat.unit_begin, sat.unit_end},
         stop_(stop),
@@ -53,6 +53,9 @@ class Extension {
         look_ahead_(settings_, unit_, stop_),
         merged_look_ahead_(settings_, unit_, stop_, context.planes, context.seq_begin,
                            memory_of(Direction{}, context)),
+        bit_look_ahead_(settings_, unit_, stop_, context.planes, context.seq_begin,
+                        context.bit_memory),
+        least_score_(least_score),
         paths_(context.paths),
         segments_(segments),
         lowest_shared_score_(UnitPaths::lowest_score(unit_.length(), settings_)) {
@@ -71,6 +74,7 @@ class Extension {
         break;
       }
       if (is_as_good_as_best()) best_ = now_;
+      if (is_over()) break;
       if (paths_ != nullptr && now_.totals.score >= lowest_shared_score_ && !follow_ways()) {
         keep = is_as_good_as_best();
         break;
@@ -103,6 +107,17 @@ class Extension {
 
   bool is_as_good_as_best() const {
     return now_.totals.score > best_.totals.score - settings_.prefer_longer_repeat;
+  }
+
+  // Whether nothing that may follow is kept. A state one point worse than those that replace the
+  // best one may be kept, too; and an alignment below the least score is worth no more than
+  // another.
+  bool is_over() {
+    const std::int64_t best = best_.totals.score;
+    const std::int64_t goal =
+        best < least_score_ ? least_score_ : best - settings_.prefer_longer_repeat;
+    return bit_look_ahead_.stays_below(goal, now_.place, now_.cursor, now_.totals.score,
+                                       settings_.threshold(best, unit_.length()));
   }
 
   // Walks over matches and short N runs. Returns false at the end of the sequence and at an N run
@@ -145,6 +160,10 @@ class Extension {
   }
 
   Move decide(const State& state, std::int64_t best_score) {
+    if (const auto move =
+            bit_look_ahead_.best_move(state.place, state.cursor, state.totals.score)) {
+      return *move;
+    }
     if (merged_look_ahead_.can_judge(state.totals.score) && !has_few_paths(state.totals.score)) {
       return merged_look_ahead_.best_move(state.place, state.cursor, state.totals.score);
     }
@@ -296,6 +315,8 @@ class Extension {
   const AlignmentSettings& settings_;
   LeapAhead<Direction> look_ahead_;
   MergedLookAhead<Direction> merged_look_ahead_;
+  BitLookAhead<Direction> bit_look_ahead_;
+  std::int64_t least_score_;
   UnitPaths* paths_;
   std::vector<PathSegment>& segments_;
   std::int64_t lowest_shared_score_;
@@ -309,17 +330,19 @@ class Extension {
 
 template <class Direction>
 void extend(Csat& sat, const char* stop, ExtensionContext& context,
-            std::vector<PathSegment>& segments) {
-  Extension<Direction>(sat, stop, context, segments).run();
+            std::vector<PathSegment>& segments, std::int64_t least_score) {
+  Extension<Direction>(sat, stop, context, segments, least_score).run();
 }
 
-template void extend<Forward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
-template void extend<Backward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&);
+template void extend<Forward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&,
+                              std::int64_t);
+template void extend<Backward>(Csat&, const char*, ExtensionContext&, std::vector<PathSegment>&,
+                               std::int64_t);
 
 bool extend_and_judge(Csat& sat, const char* seq_end, ExtensionContext& context, int min_score,
                       int min_length, PassedOver& passed_over) {
   extend<Forward>(sat, seq_end, context, passed_over.forward);
-  extend<Backward>(sat, context.seq_begin, context, passed_over.backward);
+  extend<Backward>(sat, context.seq_begin, context, passed_over.backward, min_score);
   sat.trim_Ns();
   if (!sat.reaches(min_score, min_length)) return false;
   if (sat.mismatches + sat.insertions + sat.deletions <= kMostNotedEdits) {
@@ -338,7 +361,8 @@ bool extend_and_judge(Csat& sat, const char* seq_end, ExtensionContext& context,
 /// events are restored.
 struct CSearchController::Extender {
   Extender(const char* begin, const char* end)
-      : planes(begin, static_cast<std::size_t>(end - begin), MismatchMasks<Forward>::kReach),
+      : planes(begin, static_cast<std::size_t>(end - begin),
+               std::max(MismatchMasks<Forward>::kReach, DiagonalMasks<Forward>::kMargin)),
         context{.seq_begin = begin,
                 .settings = AlignmentSettings::for_sequence(static_cast<std::size_t>(end - begin)),
                 .planes = &planes},

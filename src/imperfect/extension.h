@@ -3,8 +3,11 @@
 
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <vector>
 
+#include "imperfect/look_ahead/bit_look_ahead.h"
 #include "imperfect/merged_look_ahead.h"
 #include "imperfect/unit_paths.h"
 #include "search/csat.h"
@@ -19,6 +22,7 @@ struct ExtensionContext {
   UnitPaths* paths = nullptr;         ///< Where ways are stored; may be null.
   MergedLookAheadMemory<Forward> forward_memory{};
   MergedLookAheadMemory<Backward> backward_memory{};
+  BitLookAheadMemory bit_memory{};
 };
 
 /// Extends `sat` in one direction and leaves the best alignment found in it, its events unsorted.
@@ -26,11 +30,15 @@ struct ExtensionContext {
 /// With stored ways, stretches that other extensions have gone are passed over: their edits are
 /// counted, but stand in `segments` instead of in the events of `sat`.
 ///
+/// Whether the score is below `least_score` or not is right at the end, but below it no more of the
+/// alignment than that need be.
+///
 /// `stop` is the end of the sequence forward and its first residue backward. A nearer one is
 /// allowed only in a context without planes and ways, which know nothing of it.
 template <class Direction>
 void extend(Csat& sat, const char* stop, ExtensionContext& context,
-            std::vector<PathSegment>& segments);
+            std::vector<PathSegment>& segments,
+            std::int64_t least_score = std::numeric_limits<std::int64_t>::min());
 
 /// Extends `sat` in both directions and trims it. Returns whether it reaches the thresholds; only
 /// then its events are sorted, and complete unless there are many: most alignments with many are
