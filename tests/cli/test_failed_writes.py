@@ -101,6 +101,18 @@ class FullDisk(FailedWrites):
         lines = (b"N" * 80 + b"\n") * 1250
         self.assertEqual(self.read("in.fa.masked"), (b">a\n" + lines + b">b\n" + lines)[:150_000])
 
+    def test_a_limit_on_the_size_of_files_is_a_failed_write(self) -> None:
+        self.assert_not_written(self.run_program("in.fa", "out.txt", preexec_fn=limited_files(100, signal.SIG_DFL)),
+                                b"out.txt")
+        whole = header(b"in.fa", b"out.txt") + block(b"a") + block(b"b") + CLOSING_LINE
+        self.assertEqual(self.read("out.txt"), whole[:100])
+
+    def test_a_limit_on_the_size_of_files_set_by_a_shell_is_a_failed_write(self) -> None:
+        self.write("in.fa", LONG_RECORDS)
+        outcome = self.run_in_shell('ulimit -f 20; exec "$vorlan" --maskX in.fa out.txt')
+        self.assert_not_written(outcome, b"in.fa.masked")
+        self.assertEqual(len(self.read("in.fa.masked")), 20 * 1024)
+
     def test_a_full_disk_behind_the_console_does_not_harm_the_report(self) -> None:
         with open("/dev/full", "wb") as full:
             outcome = self.run_program("in.fa", stderr=full)
@@ -271,9 +283,9 @@ class UnopenableOutput(FailedWrites):
         self.assertEqual(self.read("out.txt"), b"old report")
 
 
-def limited_files(size: int) -> Callable[[], None]:
-    """For the start of a process that can write at most `size` bytes to each file, without a signal."""
+def limited_files(size: int, on_signal: signal.Handlers = signal.SIG_IGN) -> Callable[[], None]:
+    """For the start of a process that can write at most `size` bytes to each file."""
     def limit() -> None:
-        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        signal.signal(signal.SIGXFSZ, on_signal)
         resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
     return limit
