@@ -174,6 +174,29 @@ class SmallDisk(FailedWrites):
         self.assertGreater(len(kept), self.ROOM - 2 * 4096)
 
 
+class InputLost(FailedWrites):
+    """What the documents warn of: files are opened as they are named, and none is asked about."""
+
+    def test_a_second_fasta_file_is_the_report_and_replaced(self) -> None:
+        self.write("b.fa", RECORD)
+        self.assert_success(self.run_program("in.fa", "b.fa"))
+        self.assertEqual(self.read("b.fa"), header(b"in.fa", b"b.fa") + block(b"a") + block(b"b") + CLOSING_LINE)
+
+    def test_an_input_that_is_the_report_under_any_name_is_emptied(self) -> None:
+        os.symlink("in.fa", self.folder / "link")
+        os.link(self.folder / "in.fa", self.folder / "other")
+        for name in (b"in.fa", b"link", b"other"):
+            with self.subTest(name=name):
+                self.write("in.fa", TWO_RECORDS)
+                head = header(b"in.fa", name)
+                self.assert_malformed(self.run_program("in.fa", name), head.count(b"\n") + 1)
+                self.assertEqual(self.read("in.fa"), head)
+
+    def test_an_input_to_which_standard_output_goes_is_emptied(self) -> None:
+        self.assertEqual(self.run_in_shell('exec "$vorlan" in.fa >in.fa').status, 231)
+        self.assertEqual(self.read("in.fa"), header(b"in.fa"))
+
+
 class ClosedOutput(FailedWrites):
     def run_into_closed_pipe(self, **popen: object) -> Outcome:
         reader, writer = os.pipe()
