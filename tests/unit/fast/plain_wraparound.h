@@ -34,6 +34,7 @@ class PlainWraparound {
       if (stops_at(ahead, i)) break;
       delete_bases(row, ahead[i]);
       row = row_behind(row, ahead[i]);
+      if (row == Row(unit_.size())) break;
       for (const auto& score : row) best = std::max(best, score.value_or(best));
     }
     return best;
