@@ -9,9 +9,9 @@
 // overlapping alternative may begin.
 //
 // Which candidates are passed over, and why that is safe: those that the marks, an N or a unit of
-// one repeated base exclude by the rules, and those that the filter proves to be rejected
-// (candidate_filter_kernel.h; series_filter.h for short records). Since the latter leave no trace,
-// the result is the same.
+// one repeated base exclude by the rules, and those that a filter proves to be rejected
+// (candidate_filter_kernel.h and wraparound/wraparound_kernel.h; series_filter.h for short
+// records). Since the latter leave no trace, the result is the same.
 //
 // Example, unit length 2: ACACAGACACAC is found from its first position, with a mismatch at G. Its
 // span is closed except for G; starts at and right behind G may be tried again.
@@ -23,10 +23,10 @@
 #include <deque>
 
 #include "config/settings.h"
-#include "imperfect/candidate_filter.h"
 #include "imperfect/extension.h"
 #include "imperfect/mark_painter.h"
 #include "imperfect/series_filter.h"
+#include "imperfect/start_filter.h"
 #include "search/bit_planes.h"
 #include "search/canchorseq.h"
 #include "search/csearchcontroller.h"
@@ -86,25 +86,26 @@ class CandidateTrial {
 class StartQueue {
  public:
   /// `judged` may be null.
-  StartQueue(const char* seq_begin, std::ptrdiff_t end_of_starts, unsigned unit_length,
-             int min_score, const BitPlanes& planes, const JudgedStarts* judged)
+  StartQueue(const char* seq_begin, const char* seq_end, std::ptrdiff_t end_of_starts,
+             unsigned unit_length, int min_score, const BitPlanes& planes,
+             const JudgedStarts* judged)
       : seq_begin_(seq_begin),
         end_of_starts_(end_of_starts),
         unit_length_(unit_length),
         planes_(planes),
         judged_(judged),
-        filter_(planes, unit_length, min_score, end_of_starts) {}
+        filter_(seq_begin, seq_end, planes, unit_length, min_score, end_of_starts) {}
 
   /// The next block, ready to be collected; null when there is none.
   StartBlock* next(MarkPainter& painter, const CAnchorSeq& anchors) {
     if (!blocks_.empty()) blocks_.pop_front();
     while (!is_first_judged()) {
-      if (next_ < end_of_starts_ && blocks_.size() < kMostBlocks) {
+      if (filter_.doubts() < filter_.enough_doubts() && next_ < end_of_starts_ &&
+          blocks_.size() < kMostBlocks) {
         add_block(painter, anchors);
-        if (filter_.doubts() < kFilterStarts) continue;
-      } else if (blocks_.empty()) {
-        return nullptr;
+        continue;
       }
+      if (blocks_.empty()) return nullptr;
       for (const std::ptrdiff_t start : filter_.look_closely()) block_of(start).keep(start);
     }
     return &blocks_.front();
@@ -142,7 +143,7 @@ class StartQueue {
   unsigned unit_length_;
   const BitPlanes& planes_;
   const JudgedStarts* judged_;
-  CandidateFilter filter_;
+  StartFilter filter_;
   std::ptrdiff_t next_ = 0;
   std::deque<StartBlock> blocks_;
 };
@@ -178,7 +179,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(
   const int min_score = (*minScores)[unit_len];
   CandidateTrial trial(context, seq_end(), paths, unit_len, min_score, (*minLengths)[unit_len],
                        anchors);
-  StartQueue queue(seq_begin(), scan.starts(), unit_len, min_score, planes,
+  StartQueue queue(seq_begin(), seq_end(), scan.starts(), unit_len, min_score, planes,
                    is_judged ? judged_starts_ : nullptr);
   while (StartBlock* block = queue.next(trial.painter(), anchors)) {
     report_progress(progress, block->end());
