@@ -58,11 +58,23 @@ Lanes less(Lanes a, Lanes b) {
 
 template <class Lanes>
 bool has_any(Lanes lanes) {
-  using Words __attribute__((vector_size(kRegisterBytes))) = std::uint64_t;
-  const Words words = reinterpret_cast<Words>(lanes);
+#if defined(__AVX512BW__)
+  const auto bits = reinterpret_cast<__m512i>(lanes);
+  return _mm512_test_epi64_mask(bits, bits) != 0;
+#elif defined(__AVX2__)
+  const auto bits = reinterpret_cast<__m256i>(lanes);
+  return _mm256_testz_si256(bits, bits) == 0;
+#elif defined(__SSE2__)
+  constexpr int kAllBytes = 0xFFFF;
+  const auto bits = reinterpret_cast<__m128i>(lanes);
+  return _mm_movemask_epi8(_mm_cmpeq_epi8(bits, _mm_setzero_si128())) != kAllBytes;
+#else
   std::uint64_t any = 0;
-  for (std::size_t i = 0; i < sizeof words / sizeof any; ++i) any |= words[i];
+  for (std::size_t i = 0; i < sizeof lanes / sizeof lanes[0]; ++i) {
+    any |= static_cast<std::uint64_t>(lanes[i]);
+  }
   return any != 0;
+#endif
 }
 
 /// The starts of one batch, in one direction after the other.
