@@ -22,20 +22,23 @@ constexpr std::size_t kMostLanes = 64;
 constexpr std::ptrdiff_t kMostRows = 1024;
 constexpr std::ptrdiff_t kMostRowsPerBase = 32;
 
-/// Scores above the floor that lanes must hold: up to the least score, and what is gained until it
-/// is noticed.
-std::int64_t highest_lane(std::ptrdiff_t unit_length, int min_score) {
-  const std::int64_t floor = -unit_length - AlignmentSettings{}.prefer_longer_repeat;
-  return min_score - floor + kWraparoundRowsPerLook;
-}
-
 constexpr std::int64_t kLargestNarrow = std::numeric_limits<std::uint8_t>::max();
 constexpr std::int64_t kLargestWide = std::numeric_limits<std::int16_t>::max();
+
+/// What starts that are not related to their unit hardly ever gain.
+constexpr std::int64_t kWorthALook = 32;
+
+/// The highest score that can be asked for: above it lanes must hold what is gained until that is
+/// noticed.
+std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_lane) {
+  const std::int64_t floor = -unit_length - AlignmentSettings{}.prefer_longer_repeat;
+  return largest_lane + floor - kWraparoundRowsPerLook;
+}
 
 }  // namespace
 
 bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {
-  return min_score > 0 && highest_lane(unit_length, min_score) <= kLargestWide;
+  return min_score > 0 && min_score <= highest_min_score(unit_length, kLargestWide);
 }
 
 void WraparoundBound::FreeAligned::operator()(std::byte* memory) const {
@@ -44,39 +47,53 @@ void WraparoundBound::FreeAligned::operator()(std::byte* memory) const {
 
 WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
                                  std::ptrdiff_t unit_length, int min_score,
-                                 const WraparoundKernel& kernel) {
+                                 const WraparoundKernel& kernel)
+    : register_bytes_(kernel.register_bytes) {
   const AlignmentSettings settings;
-  const bool is_narrow = highest_lane(unit_length, min_score) <= kLargestNarrow;
-  // A path has less than the largest lane, so that an edit that costs more ends it all the same.
-  const auto cost = [&](std::int64_t score) {
-    return static_cast<int>(std::min(-score, is_narrow ? kLargestNarrow : kLargestWide));
+  const auto plan_for = [&](std::int64_t score, std::int64_t largest_lane) {
+    // A path has less than the largest lane, so that an edit that costs more ends it all the same.
+    const auto cost = [=](std::int64_t edit) {
+      return static_cast<int>(std::min(-edit, largest_lane));
+    };
+    return WraparoundPlan{.seq_begin = seq_begin,
+                          .seq_end = seq_end,
+                          .unit_length = unit_length,
+                          .floor = static_cast<int>(-unit_length - settings.prefer_longer_repeat),
+                          .mismatch_cost = cost(settings.mismatch_score),
+                          .indel_cost = cost(settings.indel_score),
+                          .min_score = static_cast<int>(score),
+                          .longest_N_run = settings.longest_N_run,
+                          .most_rows = kMostRows + kMostRowsPerBase * unit_length};
   };
-  plan_ = {.seq_begin = seq_begin,
-           .seq_end = seq_end,
-           .unit_length = unit_length,
-           .floor = static_cast<int>(-unit_length - settings.prefer_longer_repeat),
-           .mismatch_cost = cost(settings.mismatch_score),
-           .indel_cost = cost(settings.indel_score),
-           .min_score = min_score,
-           .longest_N_run = settings.longest_N_run,
-           .most_rows = kMostRows + kMostRowsPerBase * unit_length};
-  judge_ = is_narrow ? kernel.judge_narrow : kernel.judge_wide;
-  lanes_ = kernel.register_bytes / (is_narrow ? sizeof(std::uint8_t) : sizeof(std::int16_t));
-  register_bytes_ = kernel.register_bytes;
+  const std::int64_t narrow_score =
+      std::min<std::int64_t>(min_score, highest_min_score(unit_length, kLargestNarrow));
+  if (narrow_score == min_score || narrow_score >= kWorthALook) {
+    looks_.push_back({plan_for(narrow_score, kLargestNarrow), kernel.judge_narrow,
+                      register_bytes_ / sizeof(std::uint8_t)});
+  }
+  if (narrow_score == min_score) return;
+  looks_.push_back({plan_for(min_score, kLargestWide), kernel.judge_wide,
+                    register_bytes_ / sizeof(std::int16_t)});
 }
 
 void WraparoundBound::allocate() {
-  const auto registers = wraparound_registers(static_cast<std::size_t>(plan_.unit_length));
+  const auto registers =
+      wraparound_registers(static_cast<std::size_t>(looks_.front().plan.unit_length));
   memory_.reset(new (kRegisterAlignment) std::byte[registers * register_bytes_]);
 }
 
 std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts) {
   if (memory_ == nullptr) allocate();
+  for (const Look& look : looks_) starts = starts.first(keep_survivors(look, starts));
+  return starts.size();
+}
+
+std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts) {
   std::array<bool, kMostLanes> can_reach{};
   std::size_t kept = 0;
-  for (std::size_t first = 0; first < starts.size(); first += lanes_) {
-    const auto batch = starts.subspan(first, std::min(lanes_, starts.size() - first));
-    judge_(plan_, batch.data(), batch.size(), memory_.get(), can_reach.data());
+  for (std::size_t first = 0; first < starts.size(); first += look.lanes) {
+    const auto batch = starts.subspan(first, std::min(look.lanes, starts.size() - first));
+    look.judge(look.plan, batch.data(), batch.size(), memory_.get(), can_reach.data());
     for (std::size_t i = 0; i < batch.size(); ++i) {
       if (can_reach[i]) starts[kept++] = batch[i];
     }

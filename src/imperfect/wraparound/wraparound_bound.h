@@ -32,7 +32,7 @@ class WraparoundBound {
                   const WraparoundKernel& kernel = runnable_wraparound_kernels().back());
 
   /// How many starts are judged in the time that one takes.
-  std::size_t lanes() const { return lanes_; }
+  std::size_t lanes() const { return looks_.front().lanes; }
 
   /// Moves those of `starts` that are not hopeless to the front, in the same order. Returns how
   /// many they are. Requires that the units of all of them lie in the sequence. Throws
@@ -44,12 +44,19 @@ class WraparoundBound {
     void operator()(std::byte* memory) const;
   };
 
-  void allocate();
+  struct Look {
+    WraparoundPlan plan;
+    JudgeWraparound* judge;
+    std::size_t lanes;
+  };
 
-  WraparoundPlan plan_{};
-  JudgeWraparound* judge_;
+  void allocate();
+  std::size_t keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts);
+
+  /// One, or two for units whose scores do not fit 8 bits: most starts gain so little that those
+  /// are enough to reject them.
+  std::vector<Look> looks_;
   std::size_t register_bytes_;
-  std::size_t lanes_;
   std::unique_ptr<std::byte[], FreeAligned> memory_;
 };
 
