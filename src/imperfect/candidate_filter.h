@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -44,9 +45,11 @@ class CandidateFilter {
   /// Whether glances and close looks are two things. In a short sequence they are not.
   bool glances() const { return can_judge_ && glances_; }
 
-  /// Whether paths can afford so few edits that a close look is cheap: its cost grows with the
-  /// square of their number.
-  bool is_cheap() const { return can_judge_ && close_look_.max_edits <= kFewEdits; }
+  /// How many edits a path can afford as far as a close look goes, whose cost grows with the square
+  /// of that; the largest number when it cannot judge.
+  int most_edits() const {
+    return can_judge_ ? close_look_.max_edits : std::numeric_limits<int>::max();
+  }
 
   /// Glances at a block, from left to right: takes starts out of `candidates`, kFilterWords words
   /// for the positions from `first_word` * 64 on. Those in doubt are kept for `look_closely`. What
@@ -69,9 +72,6 @@ class CandidateFilter {
   std::span<std::ptrdiff_t> take_doubts(std::size_t most);
 
  private:
-  /// With more than this the wraparound bound is cheaper than a close look, by measurement.
-  static constexpr int kFewEdits = 24;
-
   struct FreeAligned {
     void operator()(std::byte* memory) const;
   };

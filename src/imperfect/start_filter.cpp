@@ -13,7 +13,12 @@ namespace {
 /// After so many starts it is known how much glances reject.
 constexpr std::size_t kEnoughGlances = 16 * std::size_t{kFilterStarts};
 
-/// An extension of such a unit costs little more than its share of a batch.
+/// With more edits than this to follow, the bound is cheaper than a close look, by measurement.
+constexpr int kFewEdits = 24;
+
+/// With so few edits, as at the default penalties, most of what a close look leaves of short units
+/// is accepted, and an extension costs little more than its share of a batch.
+constexpr int kVeryFewEdits = 12;
 constexpr std::ptrdiff_t kShortUnit = 6;
 
 std::size_t count_starts(const std::uint64_t* words) {
@@ -29,10 +34,9 @@ StartFilter::StartFilter(const char* seq_begin, const char* seq_end, const BitPl
     : filter_(planes, unit_length, min_score, starts) {
   const auto length = static_cast<std::ptrdiff_t>(unit_length);
   if (!WraparoundBound::can_judge(length, min_score)) return;
-  // Of what is left there, most is accepted.
-  if (length <= kShortUnit && filter_.is_cheap()) return;
+  if (length <= kShortUnit && filter_.most_edits() <= kVeryFewEdits) return;
   bound_.emplace(seq_begin, seq_end, length, min_score);
-  bound_alone_ = !filter_.is_cheap();
+  bound_alone_ = filter_.most_edits() > kFewEdits;
   glances_ = filter_.glances() || !bound_alone_;
 }
 
