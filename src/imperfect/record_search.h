@@ -36,6 +36,7 @@ class RecordSearch {
   RecordSearch(std::string_view residues, unsigned longest_unit, SeedKind seed,
                const Accelerations& accelerations);
 
+  std::string_view residues() const { return residues_; }
   const char* begin() const { return residues_.data(); }
   const char* end() const { return residues_.data() + residues_.size(); }
 
