@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <new>
 
 #include "imperfect/scoring.h"
@@ -119,6 +120,7 @@ CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, 
       glances_(starts >= kFewestStartsForGlances),
       kernel_(kernel) {
   if (!can_judge_) return;
+  assert(planes.margin() >= margin(unit_length));
   const int length = static_cast<int>(unit_length);
   glance_ = plan_of_glance(length, min_score);
   close_look_ =
@@ -149,9 +151,14 @@ void CandidateFilter::allocate() {
 
 void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   if (!can_judge_) return;
+  assert(doubt_count_ < kLanes);
   if (memory_ == nullptr) allocate();
   if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
+  doubt_all(first_word, candidates);
+}
+
+void CandidateFilter::doubt_all(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   for (std::size_t i = 0; i < kFilterWords; ++i) {
     const std::ptrdiff_t begin = (first_word + static_cast<std::ptrdiff_t>(i)) * kBitsPerWord;
     for (std::uint64_t left = candidates[i]; left != 0; left &= left - 1) {
@@ -161,11 +168,19 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
   }
 }
 
-std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
-  const std::size_t count = std::min(doubt_count_, kLanes);
-  std::copy_n(doubts_.begin(), count, survivors_.begin());
-  std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());
+std::span<std::ptrdiff_t> CandidateFilter::take_doubts(std::size_t most) {
+  assert(most <= kLanes);
+  const std::size_t count = std::min(doubt_count_, most);
+  const auto taken_end = doubts_.begin() + static_cast<std::ptrdiff_t>(count);
+  std::copy(doubts_.begin(), taken_end, survivors_.begin());
+  std::copy_n(taken_end, doubt_count_ - count, doubts_.begin());
   doubt_count_ -= count;
+  return {survivors_.data(), count};
+}
+
+std::span<std::ptrdiff_t> CandidateFilter::look_closely() {
+  assert(doubt_count_ > 0);
+  const std::size_t count = take_doubts(kLanes).size();
   const bool is_worth_it = close_look_.unit_length > kShortUnit || count >= kFewestToLookAt;
   return {survivors_.data(), is_worth_it ? keep_survivors(count) : count};
 }
