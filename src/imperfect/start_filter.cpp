@@ -37,7 +37,7 @@ StartFilter::StartFilter(const char* seq_begin, const char* seq_end, const BitPl
   if (length <= kShortUnit && filter_.most_edits() <= kVeryFewEdits) return;
   bound_.emplace(seq_begin, seq_end, length, min_score);
   bound_alone_ = filter_.most_edits() > kFewEdits;
-  glances_ = filter_.glances() || !bound_alone_;
+  if (bound_alone_) glances_ = filter_.glance_always();
 }
 
 void StartFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
