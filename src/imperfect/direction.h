@@ -51,6 +51,8 @@ struct Forward {
                                       std::ptrdiff_t diagonal) {
     return cursor + ahead - diagonal;
   }
+  static const char* place(const Csat& sat) { return sat.pos_right; }
+  static const char* cursor(const Csat& sat) { return sat.unit_cursor_fwd; }
   static const char*& place(Csat& sat) { return sat.pos_right; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_fwd; }
 };
@@ -81,6 +83,8 @@ struct Backward {
                                       std::ptrdiff_t diagonal) {
     return cursor - ahead + diagonal - 63;
   }
+  static const char* place(const Csat& sat) { return sat.pos_left; }
+  static const char* cursor(const Csat& sat) { return sat.unit_cursor_bwd; }
   static const char*& place(Csat& sat) { return sat.pos_left; }
   static const char*& cursor(Csat& sat) { return sat.unit_cursor_bwd; }
 };

@@ -363,6 +363,7 @@ struct CSearchController::Extender {
   Extender(const char* begin, const char* end)
       : planes(begin, static_cast<std::size_t>(end - begin),
                std::max(MismatchMasks<Forward>::kReach, DiagonalMasks<Forward>::kMargin)),
+        seq_end(end),
         context{.seq_begin = begin,
                 .settings = AlignmentSettings::for_sequence(static_cast<std::size_t>(end - begin)),
                 .planes = &planes},
@@ -372,6 +373,14 @@ struct CSearchController::Extender {
 
   void forget_ways_if_many() {
     if (paths.stored_nodes() > UnitPaths::kMostNodes) paths.forget();
+  }
+
+  /// Whether the extension of a perfect seed may reach a score. Example: a seed of score 4 cannot
+  /// reach 6 when neither side gains a point behind an edit.
+  bool may_reach(const Csat& seed, int min_score) {
+    if (seed.score >= min_score || !context.settings.has_constant_threshold()) return true;
+    return !stays_below<Forward>(seed, seed.score + 1, seq_end) ||
+           !stays_below<Backward>(seed, min_score, context.seq_begin);
   }
 
   /// Extends with all events.
@@ -384,8 +393,22 @@ struct CSearchController::Extender {
   }
 
   BitPlanes planes;
+  const char* seq_end;
   ExtensionContext context;
   UnitPaths paths;
+
+ private:
+  // An N at the end of the seed would be walked over before the first edit.
+  template <class Direction>
+  bool stays_below(const Csat& seed, std::int64_t goal, const char* stop) {
+    const char* place = Direction::place(seed);
+    if (!Direction::at_stop(place, stop) && *Direction::residue(place) == 'N') return false;
+    const UnitSpan unit{seed.unit_begin, seed.unit_end};
+    BitLookAhead<Direction> look_ahead(context.settings, unit, stop, &planes, context.seq_begin,
+                                       context.bit_memory);
+    return look_ahead.stays_below(goal, place, Direction::cursor(seed), seed.score,
+                                  context.settings.threshold(seed.score, unit.length()));
+  }
 };
 
 void CSearchController::ExtenderDeleter::operator()(Extender* extender) const { delete extender; }
@@ -420,8 +443,10 @@ bool CSearchController::accept_extended(Csat& seed) {
   Extender& shared = extender();
   shared.forget_ways_if_many();
   const unsigned unit_length = seed.unit_length();
+  const int min_score = (*minScores_user)[unit_length];
+  if (!shared.may_reach(seed, min_score)) return false;
   PassedOver passed_over;
-  return extend_and_judge(seed, seq_end(), shared.context, (*minScores_user)[unit_length],
+  return extend_and_judge(seed, seq_end(), shared.context, min_score,
                           (*minLengths_user)[unit_length], passed_over);
 }
 

@@ -96,9 +96,10 @@ class DiagonalMasks {
   Word read_word(std::int32_t word) {
     const std::int32_t ahead = word * kBits;
     const std::ptrdiff_t first = Direction::first_of_word(place_, ahead);
-    const std::ptrdiff_t phase =
-        unit_->phase(std::min(Direction::first_of_word(cursor_, ahead, diagonals_),
-                              Direction::first_of_word(cursor_, ahead, -diagonals_)));
+    const std::ptrdiff_t lowest_due =
+        std::min(Direction::first_of_word(cursor_, ahead, diagonals_),
+                 Direction::first_of_word(cursor_, ahead, -diagonals_));
+    const std::ptrdiff_t phase = unit_->phase(static_cast<std::int32_t>(lowest_due));
     const Word read{BitPlanes::bits_at(planes_.low, first), BitPlanes::bits_at(planes_.high, first),
                     BitPlanes::bits_at(planes_.special, first), unit_->from(phase),
                     unit_->from(phase + kBits)};
