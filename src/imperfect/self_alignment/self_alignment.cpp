@@ -46,6 +46,15 @@ std::ptrdiff_t rounded_up(std::ptrdiff_t number, std::ptrdiff_t unit) {
 
 }  // namespace
 
+// Whole groups of lanes, of which the first belongs to an even offset.
+OffsetBand offsets_of(const FirstCopyBound& bound, unsigned first, unsigned last,
+                      const MinScoreOf& min_score_of) {
+  const std::ptrdiff_t highest =
+      rounded_up(last + bound.margin(last, min_score_of(last), 1), 2);
+  const std::ptrdiff_t below = first - bound.margin(first, min_score_of(first), -1);
+  return {highest + 1 - rounded_up(highest + 1 - below, 2 * kGroup), highest};
+}
+
 /// Rows and codes for one band of offsets, and the tiles that it is covered with. Tile i begins at
 /// the antidiagonal i * 2 * kSteps.
 class SelfAlignment::Sweep {
@@ -54,9 +63,8 @@ class SelfAlignment::Sweep {
         const MinScoreOf& min_score_of)
       : residues_(static_cast<std::ptrdiff_t>(residues.size())),
         codes_(residues, bound.longest_N_run()),
-        top_(rounded_up(last + bound.margin(last, min_score_of(last), 1), 2)),
-        lanes_(rounded_up((top_ - first + bound.margin(first, min_score_of(first), -1)) / 2 + 1,
-                          kGroup)),
+        band_(offsets_of(bound, first, last, min_score_of)),
+        lanes_((band_.highest + 1 - band_.lowest) / 2),
         scores_{Row(groups()), Row(groups())},
         caps_{Row(groups()), Row(groups())},
         wanted_{Row(groups()), Row(groups())},
@@ -94,14 +102,21 @@ class SelfAlignment::Sweep {
     }
   }
 
-  /// What lies outside the band counts as its cap.
+  /// Begins where nothing matches: there is nothing but what comes in from outside the band, where
+  /// every score counts as its cap.
   void begin() {
     for (int odd = 0; odd < 2; ++odd) {
-      Lane* const scores = scores_[odd].begin();
-      const Lane* const caps = caps_[odd].begin();
-      std::fill_n(scores, lanes_, Lane{0});
-      scores[-1] = caps[-1];
-      scores[lanes_] = caps[lanes_];
+      score_at(band_.lowest - 1 - odd) = cap_at(band_.lowest - 1 - odd);
+      score_at(band_.highest + 1 + odd) = cap_at(band_.highest + 1 + odd);
+    }
+    for (std::ptrdiff_t offset = band_.lowest; offset <= band_.highest; ++offset) {
+      const int rest = score_at(offset - 1) - costs_.deletion;
+      score_at(offset) = static_cast<Lane>(std::clamp<int>(rest, 0, cap_at(offset)));
+    }
+    for (std::ptrdiff_t offset = band_.highest; offset >= band_.lowest; --offset) {
+      const int rest = score_at(offset + 1) - costs_.insertion;
+      score_at(offset) = std::max(score_at(offset), static_cast<Lane>(std::clamp<int>(
+                                                        rest, 0, cap_at(offset))));
     }
   }
 
@@ -111,7 +126,7 @@ class SelfAlignment::Sweep {
     chunk_ = tile;
     const std::ptrdiff_t before = direction == Direction::kLeft ? 1 : 0;
     const std::ptrdiff_t leftmost = first_x(tile) - before;
-    const std::ptrdiff_t rightmost = first_x(tile + kTilesPerChunk) + top_ - 1 - before;
+    const std::ptrdiff_t rightmost = first_x(tile + kTilesPerChunk) + band_.highest - 1 - before;
     for (std::size_t i = 0; i < left_.size(); ++i) {
       left_[i] = codes_[leftmost + static_cast<std::ptrdiff_t>(i)];
       right_[i] = codes_[rightmost - static_cast<std::ptrdiff_t>(i)];
@@ -158,12 +173,17 @@ class SelfAlignment::Sweep {
 
  private:
   std::ptrdiff_t groups() const { return lanes_ / kGroup; }
-  std::ptrdiff_t offset_of(int odd, std::ptrdiff_t lane) const { return top_ - odd - 2 * lane; }
-  std::ptrdiff_t lowest_offset() const {
-    return std::max<std::ptrdiff_t>(0, offset_of(1, lanes_ - 1));
+  std::ptrdiff_t offset_of(int odd, std::ptrdiff_t lane) const { return band_.highest - odd - 2 * lane; }
+  std::ptrdiff_t lowest_offset() const { return std::max<std::ptrdiff_t>(0, band_.lowest); }
+  /// For offsets of the band and two on either side.
+  Lane& score_at(std::ptrdiff_t offset) { return at(scores_, offset); }
+  Lane& cap_at(std::ptrdiff_t offset) { return at(caps_, offset); }
+  Lane& at(std::array<Row, 2>& rows, std::ptrdiff_t offset) const {
+    const std::ptrdiff_t odd = offset & 1;
+    return rows[static_cast<std::size_t>(odd)].begin()[(band_.highest - odd - offset) / 2];
   }
   /// The left boundary in lane 0 of the first antidiagonal of a tile.
-  std::ptrdiff_t first_x(std::ptrdiff_t tile) const { return tile * kSteps - top_ / 2; }
+  std::ptrdiff_t first_x(std::ptrdiff_t tile) const { return tile * kSteps - band_.highest / 2; }
 
   /// From masks with a bit for each lane to words with a bit for each step.
   static std::array<std::uint64_t, kAlignmentGroup> take_hits(std::uint32_t* masks) {
@@ -179,7 +199,7 @@ class SelfAlignment::Sweep {
 
   std::ptrdiff_t residues_;
   ResidueCodes codes_;
-  std::ptrdiff_t top_;  ///< The even offset of lane 0.
+  OffsetBand band_;
   std::ptrdiff_t lanes_;
   std::array<Row, 2> scores_;
   std::array<Row, 2> caps_;

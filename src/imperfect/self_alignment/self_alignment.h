@@ -19,15 +19,25 @@ namespace vorlan {
 /// The kernels that this processor can run, the narrowest registers first.
 const std::vector<AlignmentKernel>& runnable_alignment_kernels();
 
+/// The least score of an accepted repeat of each unit length.
+using MinScoreOf = std::function<int(unsigned unit_length)>;
+
+/// Offsets from `lowest` to `highest`, both included.
+struct OffsetBand {
+  std::ptrdiff_t lowest;
+  std::ptrdiff_t highest;
+};
+
+/// The offsets that are looked at for the sake of a band of unit lengths.
+OffsetBand offsets_of(const FirstCopyBound& bound, unsigned first, unsigned last,
+                      const MinScoreOf& min_score_of);
+
 /// Aligns a sequence with itself and keeps, for a band of unit lengths, the starts that may lead to
 /// an accepted repeat; see first_copy_bound.h. Positions count from 0.
 ///
 /// Use: judge a band, ask for its unit lengths, judge the next band.
 class SelfAlignment {
  public:
-  /// The least score of an accepted repeat of each unit length.
-  using MinScoreOf = std::function<int(unsigned unit_length)>;
-
   /// Survivors of a band may take this many bytes, or a fourth of a byte per residue when that is
   /// more.
   static constexpr std::size_t kMostMemory = std::size_t{64} << 20;
