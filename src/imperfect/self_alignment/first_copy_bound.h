@@ -44,6 +44,9 @@
 // eight bases follow: V is 8 * 9/4, capped to 10, and the candidate stays. If TTTTTTTT follows, the
 // best way is a match behind three edits, so V is 0; with nothing to the left W is 0: rejected.
 //
+// Which b: a low one asks for little, which much of random sequence has as long as units are short;
+// a high one lets what is similar shine far through junk, which matters for long units.
+//
 // Limits: b must be more than 1, or T is never above the floor. The bonus must also leave random
 // sequence without a gain in the long run, so cheap penalties cannot be judged. Short units ask for
 // so little that much of random sequence has it.
@@ -60,30 +63,31 @@
 
 namespace vorlan {
 
-/// The numbers of the bound, in quarters of a point, so that the bonus of 5/4 is a whole number.
+/// The numbers of the bound, in quarters of a point, so that the bonus is a whole number.
 class FirstCopyBound {
  public:
   static constexpr int kScale = 4;
-  static constexpr int kBonus = 5;
 
   /// The cap of a longer unit does not fit 16 bits.
-  static constexpr unsigned kLongestUnit = (32767 - kScale - kBonus) / kBonus;
+  static constexpr unsigned kLongestUnit = 6'000;
 
-  explicit FirstCopyBound(const AlignmentSettings& settings)
-      : mismatch_(penalty(settings.mismatch_score)),
+  /// The bonus is chosen for units of this length.
+  FirstCopyBound(const AlignmentSettings& settings, unsigned unit_length)
+      : bonus_(bonus_of(unit_length)),
+        mismatch_(penalty(settings.mismatch_score)),
         indel_(penalty(settings.indel_score)),
         preference_(settings.prefer_longer_repeat),
         longest_N_run_(settings.longest_N_run) {}
 
-  /// Whether so much of the background is rejected that it pays to ask.
+  /// Whether the bonus fits and so much of the background is rejected that it pays to ask.
   bool can_judge(unsigned unit_length, int min_score) const {
     return std::min(mismatch_, indel_) >= kLeastPenalty && unit_length <= kLongestUnit &&
-           wanted(unit_length, min_score) >= kLeastWanted;
+           bonus_of(unit_length) == bonus_ && wanted(unit_length, min_score) >= kLeastWanted;
   }
 
   AlignmentCosts costs() const {
-    return {kScale + kBonus, scaled(kScale * mismatch_ - kBonus), scaled(kScale * indel_),
-            scaled(kScale * indel_ - kBonus)};
+    return {scaled(kScale + bonus_), scaled(kScale * mismatch_ - bonus_), scaled(kScale * indel_),
+            scaled(kScale * indel_ - bonus_)};
   }
 
   /// The highest score that is kept at an offset for the sake of a unit length. Requires that it
@@ -92,19 +96,19 @@ class FirstCopyBound {
     const std::int64_t length = unit_length;
     const std::int64_t drift = std::abs(offset - length);
     const std::int64_t deletions = std::max<std::int64_t>(length - offset, 0);
-    const std::int64_t gain = wanted(unit_length, min_score) / (kScale + kBonus) + 1;
+    const std::int64_t gain = wanted(unit_length, min_score) / (kScale + bonus_) + 1;
     const std::int64_t matches =
         std::max<std::int64_t>(drift * indel_ + 1 - length - preference_ - gain, 0);
-    return scaled(kBonus * std::max<std::int64_t>(length - deletions - matches, 0));
+    return scaled(bonus_ * std::max<std::int64_t>(length - deletions - matches, 0));
   }
 
   /// The score that one direction must have for a candidate to be kept. The same requirement.
   std::int16_t wanted(unsigned unit_length, int min_score) const {
     const std::int64_t length = unit_length;
-    const std::int64_t first_copy = kBonus * length + kScale * (1 - length - preference_);
-    const std::int64_t by_copy = first_copy * (kScale + kBonus) / (2 * kScale + kBonus);
-    const std::int64_t by_score = std::int64_t{min_score} * (kScale + kBonus) / 2;
-    return scaled(std::clamp<std::int64_t>(std::min(by_copy, by_score), 0, kBonus * length));
+    const std::int64_t first_copy = bonus_ * length + kScale * (1 - length - preference_);
+    const std::int64_t by_copy = first_copy * (kScale + bonus_) / (2 * kScale + bonus_);
+    const std::int64_t by_score = std::int64_t{min_score} * (kScale + bonus_) / 2;
+    return scaled(std::clamp<std::int64_t>(std::min(by_copy, by_score), 0, bonus_ * length));
   }
 
   /// How many offsets beyond a unit length to look at, so that what counts as its cap further out
@@ -112,7 +116,7 @@ class FirstCopyBound {
   std::ptrdiff_t margin(unsigned unit_length, int min_score, int direction) const {
     std::ptrdiff_t margin = 1;
     while (cap(unit_length + direction * margin, unit_length, min_score) >
-           kBonus * static_cast<std::int64_t>(unit_length) / 2) {
+           bonus_ * static_cast<std::int64_t>(unit_length) / 2) {
       ++margin;
     }
     return margin;
@@ -122,13 +126,25 @@ class FirstCopyBound {
 
  private:
   static constexpr std::int64_t kLeastPenalty = 5;
-  static constexpr std::int16_t kLeastWanted = 16;
+  /// Ten points: unit lengths from 28 on. Below, the automaton of the candidate filter is as fast.
+  static constexpr std::int16_t kLeastWanted = 10 * kScale;
+
+  /// In quarters of a point.
+  static constexpr int kBonusOfShortUnits = 6;
+  static constexpr int kBonus = 5;
+  static constexpr unsigned kLongestShortUnit = 59;
+  static_assert(kBonus * kLongestUnit + kScale + kBonus <= 32767);
+
+  static int bonus_of(unsigned unit_length) {
+    return unit_length <= kLongestShortUnit ? kBonusOfShortUnits : kBonus;
+  }
 
   /// A smaller penalty than the true one only lets more survive.
   static std::int64_t penalty(std::int64_t score) { return std::min<std::int64_t>(-score, 1'000); }
 
   static std::int16_t scaled(std::int64_t number) { return static_cast<std::int16_t>(number); }
 
+  int bonus_;
   std::int64_t mismatch_;
   std::int64_t indel_;
   std::int64_t preference_;

@@ -32,8 +32,8 @@ std::int16_t ResidueCodes::operator[](std::ptrdiff_t position) const {
   }
 }
 
-// An extension meets an N run at one of its ends, never inside: a unit holds no N, and where an N is
-// due, no edit is tried.
+// An extension meets an N run at one of its ends, never inside: a unit holds no N, and where an N
+// is due, no edit is tried.
 bool ResidueCodes::is_bridged(std::size_t position) const {
   if (longest_N_run_ == 0 || longest_N_run_ > kLongestCounted) return longest_N_run_ != 0;
   std::ptrdiff_t length = 1;

@@ -49,8 +49,7 @@ std::ptrdiff_t rounded_up(std::ptrdiff_t number, std::ptrdiff_t unit) {
 // Whole groups of lanes, of which the first belongs to an even offset.
 OffsetBand offsets_of(const FirstCopyBound& bound, unsigned first, unsigned last,
                       const MinScoreOf& min_score_of) {
-  const std::ptrdiff_t highest =
-      rounded_up(last + bound.margin(last, min_score_of(last), 1), 2);
+  const std::ptrdiff_t highest = rounded_up(last + bound.margin(last, min_score_of(last), 1), 2);
   const std::ptrdiff_t below = first - bound.margin(first, min_score_of(first), -1);
   return {highest + 1 - rounded_up(highest + 1 - below, 2 * kGroup), highest};
 }
@@ -115,8 +114,8 @@ class SelfAlignment::Sweep {
     }
     for (std::ptrdiff_t offset = band_.highest; offset >= band_.lowest; --offset) {
       const int rest = score_at(offset + 1) - costs_.insertion;
-      score_at(offset) = std::max(score_at(offset), static_cast<Lane>(std::clamp<int>(
-                                                        rest, 0, cap_at(offset))));
+      score_at(offset) =
+          std::max(score_at(offset), static_cast<Lane>(std::clamp<int>(rest, 0, cap_at(offset))));
     }
   }
 
@@ -173,7 +172,9 @@ class SelfAlignment::Sweep {
 
  private:
   std::ptrdiff_t groups() const { return lanes_ / kGroup; }
-  std::ptrdiff_t offset_of(int odd, std::ptrdiff_t lane) const { return band_.highest - odd - 2 * lane; }
+  std::ptrdiff_t offset_of(int odd, std::ptrdiff_t lane) const {
+    return band_.highest - odd - 2 * lane;
+  }
   std::ptrdiff_t lowest_offset() const { return std::max<std::ptrdiff_t>(0, band_.lowest); }
   /// For offsets of the band and two on either side.
   Lane& score_at(std::ptrdiff_t offset) { return at(scores_, offset); }
@@ -212,19 +213,19 @@ class SelfAlignment::Sweep {
   std::vector<Lane> right_;
 };
 
-SelfAlignment::SelfAlignment(std::string_view residues, const FirstCopyBound& bound,
-                             const AlignmentKernel& kernel, std::size_t most_memory)
+SelfAlignment::SelfAlignment(std::string_view residues, const AlignmentKernel& kernel,
+                             std::size_t most_memory)
     : residues_(residues),
-      bound_(bound),
       kernel_(kernel),
       most_memory_(std::max(most_memory, residues.size() / 4)) {}
 
-unsigned SelfAlignment::judge(unsigned first, unsigned last, const MinScoreOf& min_score_of,
+unsigned SelfAlignment::judge(const FirstCopyBound& bound, unsigned first, unsigned last,
+                              const MinScoreOf& min_score_of,
                               const std::function<void()>& is_working) {
   first_ = first;
   last_ = last;
   survivors_.assign(last - first + 1, {});
-  Sweep sweep(bound_, residues_, first, last, min_score_of);
+  Sweep sweep(bound, residues_, first, last, min_score_of);
   align(sweep, Direction::kRight, is_working);
   align(sweep, Direction::kLeft, is_working);
   return last_;

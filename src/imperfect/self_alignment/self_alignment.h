@@ -43,18 +43,18 @@ class SelfAlignment {
   static constexpr std::size_t kMostMemory = std::size_t{64} << 20;
 
   /// `residues` must outlive this. `most_memory` is for tests.
-  SelfAlignment(std::string_view residues, const FirstCopyBound& bound,
-                const AlignmentKernel& kernel = runnable_alignment_kernels().back(),
-                std::size_t most_memory = kMostMemory);
+  explicit SelfAlignment(std::string_view residues,
+                         const AlignmentKernel& kernel = runnable_alignment_kernels().back(),
+                         std::size_t most_memory = kMostMemory);
 
   /// Judges all starts for the unit lengths from `first` on, up to `last` if the survivors find
   /// room, and forgets those of the band before. `is_working` is called several times a second on a
   /// long sequence. Returns the last unit length that was judged, `first` or more.
-  /// Requires that the bound can judge every unit length from `first` to `last`.
+  /// Requires that these are at most FirstCopyBound::kLongestUnit.
   /// Cost: two times residues * (last - first), with margins of a fourth, at some ten cells a
   /// nanosecond. Throws std::bad_alloc.
-  unsigned judge(unsigned first, unsigned last, const MinScoreOf& min_score_of,
-                 const std::function<void()>& is_working);
+  unsigned judge(const FirstCopyBound& bound, unsigned first, unsigned last,
+                 const MinScoreOf& min_score_of, const std::function<void()>& is_working);
 
   /// Whether the unit length belongs to the band that was judged last.
   bool has_judged(unsigned unit_length) const {
@@ -77,7 +77,6 @@ class SelfAlignment {
   void make_room(Sweep& sweep, const std::vector<SparseStarts>& found);
 
   std::string_view residues_;
-  FirstCopyBound bound_;
   AlignmentKernel kernel_;
   std::size_t most_memory_;
   unsigned first_ = 1;

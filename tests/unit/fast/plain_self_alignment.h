@@ -101,9 +101,8 @@ class PlainSelfAlignment {
   Row next_to_the_left(std::ptrdiff_t x, const Row& before) const {
     Row row(before.size());
     for (std::ptrdiff_t k = band_.lowest; k <= band_.highest; ++k) {
-      row[static_cast<std::size_t>(k - band_.lowest)] =
-          kept(k, score(before, k) + pair(x - 1, x + k - 1), score(row, k - 1),
-               score(before, k + 1));
+      row[static_cast<std::size_t>(k - band_.lowest)] = kept(
+          k, score(before, k) + pair(x - 1, x + k - 1), score(row, k - 1), score(before, k + 1));
     }
     return row;
   }
