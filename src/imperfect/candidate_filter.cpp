@@ -161,6 +161,7 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
 }
 
 std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
+  if (memory_ == nullptr) allocate();
   const std::size_t count = std::min(doubt_count_, kLanes);
   std::copy_n(doubts_.begin(), count, survivors_.begin());
   std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());

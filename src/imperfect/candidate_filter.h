@@ -46,6 +46,13 @@ class CandidateFilter {
   /// stays survives. Requires that less than kFilterStarts are in doubt.
   void glance(std::ptrdiff_t first_word, std::uint64_t* candidates);
 
+  /// Whether there is anything to judge by; if not, all starts survive.
+  bool can_judge() const { return can_judge_; }
+
+  /// Adds a start that is in doubt for other reasons, from left to right. Requires that it can
+  /// judge, and less than 2 * kFilterStarts doubts.
+  void doubt(std::ptrdiff_t start) { doubts_[doubt_count_++] = start; }
+
   /// How many starts are in doubt, and the first of them.
   std::size_t doubts() const { return doubt_count_; }
   std::ptrdiff_t first_doubt() const { return doubts_[0]; }

@@ -21,11 +21,13 @@
 
 #include <algorithm>
 #include <deque>
+#include <optional>
 
 #include "config/settings.h"
 #include "imperfect/candidate_filter.h"
 #include "imperfect/extension.h"
 #include "imperfect/mark_painter.h"
+#include "imperfect/self_alignment/self_alignment.h"
 #include "imperfect/series_filter.h"
 #include "search/bit_planes.h"
 #include "search/canchorseq.h"
@@ -81,24 +83,33 @@ class CandidateTrial {
   SpareSat spare_;
 };
 
+/// What was found out about the starts of one unit length before; each may be null.
+struct KnownStarts {
+  const JudgedStarts* judged = nullptr;   ///< By the series of a short record.
+  const SparseStarts* similar = nullptr;  ///< Survivors of the self-alignment.
+};
+
 /// Blocks of starts in a row, of which the first one has been judged. The filter looks at the
 /// starts of several blocks together, unless those of a short record have been judged before.
+/// Blocks without survivors of the self-alignment are passed over.
 class StartQueue {
  public:
-  /// `judged` may be null.
   StartQueue(const char* seq_begin, std::ptrdiff_t end_of_starts, unsigned unit_length,
-             int min_score, const BitPlanes& planes, const JudgedStarts* judged)
+             int min_score, const BitPlanes& planes, const KnownStarts& known)
       : seq_begin_(seq_begin),
         end_of_starts_(end_of_starts),
         unit_length_(unit_length),
         planes_(planes),
-        judged_(judged),
-        filter_(planes, unit_length, min_score, end_of_starts) {}
+        judged_(known.judged),
+        filter_(planes, unit_length, min_score, end_of_starts) {
+    if (known.similar != nullptr) similar_.emplace(*known.similar);
+  }
 
   /// The next block, ready to be collected; null when there is none.
   StartBlock* next(MarkPainter& painter, const CAnchorSeq& anchors) {
     if (!blocks_.empty()) blocks_.pop_front();
     while (!is_first_judged()) {
+      pass_over_blocks();
       if (next_ < end_of_starts_ && blocks_.size() < kMostBlocks) {
         add_block(painter, anchors);
         if (filter_.doubts() < kFilterStarts) continue;
@@ -120,8 +131,14 @@ class StartQueue {
   }
 
   StartBlock& block_of(std::ptrdiff_t start) {
-    return blocks_[static_cast<std::size_t>((start - blocks_.front().begin()) /
-                                            StartBlock::kStarts)];
+    return *std::find_if(blocks_.begin(), blocks_.end(),
+                         [=](const StartBlock& block) { return start < block.end(); });
+  }
+
+  void pass_over_blocks() {
+    if (!similar_ || next_ >= end_of_starts_) return;
+    const std::ptrdiff_t word = similar_->next_word(next_);
+    next_ = word == SparseStarts::kNone ? end_of_starts_ : word - word % StartBlock::kStarts;
   }
 
   void add_block(MarkPainter& painter, const CAnchorSeq& anchors) {
@@ -132,6 +149,13 @@ class StartQueue {
     next_ = block.end();
     if (judged_ != nullptr) {
       block.set_survivors([this](auto start) { return judged_->survivors(unit_length_, start); });
+    } else if (similar_) {
+      const auto survivors = [this](auto start) { return similar_->word(start); };
+      if (filter_.can_judge()) {
+        block.doubt_survivors(survivors, [this](auto start) { filter_.doubt(start); });
+      } else {
+        block.set_survivors(survivors);
+      }
     } else if (block.has_survivors()) {
       filter_.glance(block.first_word(), block.survivors());
     }
@@ -142,6 +166,7 @@ class StartQueue {
   unsigned unit_length_;
   const BitPlanes& planes_;
   const JudgedStarts* judged_;
+  std::optional<SparseStarts::Reader> similar_;
   CandidateFilter filter_;
   std::ptrdiff_t next_ = 0;
   std::deque<StartBlock> blocks_;
@@ -157,17 +182,38 @@ void CSearchController::complete_imperfect_search(std::FILE*) {
                            .planes = &planes};
   UnitPaths paths(seq_begin(), context.settings);
   if (UnitPaths::can_share(context.settings)) context.paths = &paths;
+  SelfAlignment alignment({seq_begin(), seq_length()});
   for (unsigned unit_len = global_min_unit_length; unit_len <= longest_unit(); ++unit_len) {
-    one_unit_len_complete_imperfect_search(unit_len, planes, context, paths, anchors,
+    judge_similarity(unit_len, context.settings, alignment);
+    one_unit_len_complete_imperfect_search(unit_len, planes, context, paths, alignment, anchors,
                                            imperfect_sats);
     if (unit_len == 1) anchors.reset();
   }
   imperfect_sats.sort(lessThan_sat);
 }
 
+// A band of unit lengths at a time, as long as the self-alignment can judge them.
+void CSearchController::judge_similarity(unsigned unit_len, const AlignmentSettings& settings,
+                                         SelfAlignment& alignment) {
+  const FirstCopyBound bound(settings, unit_len);
+  const auto can_judge = [&](unsigned length) {
+    return length <= longest_unit() && bound.can_judge(length, (*minScores)[length]) &&
+           (judged_starts_ == nullptr || !judged_starts_->know(length));
+  };
+  if (alignment.has_judged(unit_len) || !can_judge(unit_len)) return;
+  unsigned last = unit_len;
+  while (can_judge(last + 1)) ++last;
+  alignment.judge(
+      bound, unit_len, last, [](unsigned length) { return (*minScores)[length]; },
+      [&] {
+        if (!console_.check_report_status()) return;
+        console_.report_status(sequence_number, sequence.name.terminate(), unit_len, 'r');
+      });
+}
+
 void CSearchController::one_unit_len_complete_imperfect_search(
     unsigned unit_len, const BitPlanes& planes, ExtensionContext& context, UnitPaths& paths,
-    CAnchorSeq& anchors, std::list<Csat*>& results) {
+    const SelfAlignment& alignment, CAnchorSeq& anchors, std::list<Csat*>& results) {
   UnitScan scan(seq_begin(), seq_end(), unit_len);
   ScanProgress progress{unit_len};
   const bool is_judged = judged_starts_ != nullptr && judged_starts_->know(unit_len);
@@ -178,8 +224,10 @@ void CSearchController::one_unit_len_complete_imperfect_search(
   const int min_score = (*minScores)[unit_len];
   CandidateTrial trial(context, seq_end(), paths, unit_len, min_score, (*minLengths)[unit_len],
                        anchors);
-  StartQueue queue(seq_begin(), scan.starts(), unit_len, min_score, planes,
-                   is_judged ? judged_starts_ : nullptr);
+  KnownStarts known;
+  if (is_judged) known.judged = judged_starts_;
+  if (alignment.has_judged(unit_len)) known.similar = &alignment.survivors(unit_len);
+  StartQueue queue(seq_begin(), scan.starts(), unit_len, min_score, planes, known);
   while (StartBlock* block = queue.next(trial.painter(), anchors)) {
     report_progress(progress, block->end());
     block->collect(block->begin(), anchors);
@@ -194,6 +242,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(
     }
   }
   trial.painter().finish();
+  report_progress(progress, scan.starts());
 }
 
 }  // namespace vorlan

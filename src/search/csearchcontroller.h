@@ -19,7 +19,9 @@ namespace vorlan {
 class BitPlanes;
 class CAnchorSeq;
 class JudgedStarts;
+class SelfAlignment;
 class UnitPaths;
+struct AlignmentSettings;
 struct ExtensionContext;
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
@@ -106,7 +108,10 @@ class CSearchController {
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, const BitPlanes& planes,
                                               ExtensionContext& context, UnitPaths& paths,
-                                              CAnchorSeq& anchors, std::list<Csat*>& results);
+                                              const SelfAlignment& alignment, CAnchorSeq& anchors,
+                                              std::list<Csat*>& results);
+  void judge_similarity(unsigned unit_len, const AlignmentSettings& settings,
+                        SelfAlignment& alignment);
   /// Finds the events of a repeat that was found without noting them all. An alignment is a
   /// function of its start, so it is made again; of the thousands of long alignments that an array
   /// yields, nearly all are removed and never need theirs.
