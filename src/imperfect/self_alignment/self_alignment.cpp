@@ -179,9 +179,9 @@ class SelfAlignment::Sweep {
   /// For offsets of the band and two on either side.
   Lane& score_at(std::ptrdiff_t offset) { return at(scores_, offset); }
   Lane& cap_at(std::ptrdiff_t offset) { return at(caps_, offset); }
-  Lane& at(std::array<Row, 2>& rows, std::ptrdiff_t offset) const {
+  Lane& at(Row (&rows)[2], std::ptrdiff_t offset) const {
     const std::ptrdiff_t odd = offset & 1;
-    return rows[static_cast<std::size_t>(odd)].begin()[(band_.highest - odd - offset) / 2];
+    return rows[odd].begin()[(band_.highest - odd - offset) / 2];
   }
   /// The left boundary in lane 0 of the first antidiagonal of a tile.
   std::ptrdiff_t first_x(std::ptrdiff_t tile) const { return tile * kSteps - band_.highest / 2; }
@@ -202,12 +202,12 @@ class SelfAlignment::Sweep {
   ResidueCodes codes_;
   OffsetBand band_;
   std::ptrdiff_t lanes_;
-  std::array<Row, 2> scores_;
-  std::array<Row, 2> caps_;
-  std::array<Row, 2> wanted_;
+  Row scores_[2];
+  Row caps_[2];
+  Row wanted_[2];
   AlignmentCosts costs_;
-  std::array<std::vector<std::uint32_t>, 2> hits_;
-  std::array<std::vector<std::uint8_t>, 2> has_hits_;
+  std::vector<std::uint32_t> hits_[2];
+  std::vector<std::uint8_t> has_hits_[2];
   std::ptrdiff_t chunk_ = 0;
   std::vector<Lane> left_;
   std::vector<Lane> right_;
