@@ -60,7 +60,8 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
   const Thresholds thresholds{(*minScores)[unit_len], (*minLengths)[unit_len]};
   MarkPainter marks(anchors, record);
   StartQueue queue(record, scan.starts(), unit_len, thresholds.score, marks,
-                   is_known ? series_survivors_ : nullptr);
+                   {.in_series = is_known ? series_survivors_ : nullptr,
+                    .similar = is_known ? nullptr : similar_starts(unit_len)});
   SpareSat spare;
   while (queue.next_block()) {
     report_progress(progress, queue.block_end());
@@ -77,6 +78,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
     }
   }
   marks.finish();
+  report_progress(progress, scan.starts());
 }
 
 }  // namespace vorlan

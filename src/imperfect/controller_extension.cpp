@@ -18,6 +18,13 @@ RecordSearch& CSearchController::record_search(SeedKind seed) {
   return *record_search_;
 }
 
+const SparseStarts* CSearchController::similar_starts(unsigned unit_length) {
+  return record_search(SeedKind::kUnit).similar_starts(unit_length, *minScores, [&] {
+    if (!console_.check_report_status()) return;
+    console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
+  });
+}
+
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   RecordSearch& record = record_search(SeedKind::kPerfectRepeat);
   extend_seeds(record.planes(), [&](Csat& seed) {

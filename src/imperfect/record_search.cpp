@@ -27,12 +27,31 @@ std::size_t margin_of_planes(unsigned longest_unit) {
 RecordSearch::RecordSearch(std::string_view residues, unsigned longest_unit, SeedKind seed,
                            const Accelerations& accelerations)
     : residues_(residues),
+      longest_unit_(longest_unit),
       seed_(seed),
       accelerations_(accelerations),
       scoring_(Scoring::for_sequence(residues.size())),
       planes_(residues.data(), residues.size(), margin_of_planes(longest_unit)),
       ways_(residues.data(), scoring_),
       shares_ways_(accelerations.shared_ways && StoredWays::can_share(scoring_)) {}
+
+const SparseStarts* RecordSearch::similar_starts(unsigned unit_length,
+                                                 const UnitLengthThresholds& min_scores,
+                                                 const std::function<void()>& is_working) {
+  const FirstCopyBound bound(scoring_, unit_length);
+  const auto can_judge = [&](unsigned length) {
+    return length <= longest_unit_ && bound.can_judge(length, min_scores[length]);
+  };
+  if (!accelerations_.self_alignment || !can_judge(unit_length)) return nullptr;
+  if (!self_alignment_) self_alignment_.emplace(residues_);
+  if (!self_alignment_->has_judged(unit_length)) {
+    unsigned last = unit_length;
+    while (can_judge(last + 1)) ++last;
+    self_alignment_->judge(
+        bound, unit_length, last, [&](unsigned length) { return min_scores[length]; }, is_working);
+  }
+  return &self_alignment_->survivors(unit_length);
+}
 
 // Forward nothing above the seed's own score is found, so the backward extension begins with that
 // at most, and ends below what is asked for. With a limited score reduction the thresholds of the

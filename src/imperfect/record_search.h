@@ -4,16 +4,20 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string_view>
 #include <tuple>
 
 #include "imperfect/look_ahead/bit_look_ahead.h"
 #include "imperfect/look_ahead/merged_look_ahead.h"
 #include "imperfect/scoring.h"
+#include "imperfect/self_alignment/self_alignment.h"
 #include "imperfect/ways/stored_ways.h"
 #include "search/accelerations.h"
 #include "search/bit_planes.h"
 #include "search/csat.h"
+#include "search/thresholds.h"
 
 namespace vorlan {
 
@@ -64,6 +68,14 @@ class RecordSearch {
   /// The ways, or null where decisions cannot be shared.
   StoredWays* shared_ways() { return shares_ways_ ? &ways_ : nullptr; }
 
+  /// The starts of a unit length that resemble the sequence one unit length on, outside of which
+  /// none is accepted; null where that cannot be told (self_alignment/first_copy_bound.h). Judges a
+  /// band of unit lengths when the first of them is asked for, up to the longest if they find room:
+  /// ask in rising order. The starts stay until the next band is judged. `is_working` is called
+  /// several times a second.
+  const SparseStarts* similar_starts(unsigned unit_length, const UnitLengthThresholds& min_scores,
+                                     const std::function<void()>& is_working);
+
   /// Whether a perfect repeat may reach `min_score` when it is extended over edits, as far as can
   /// be told from what lies right behind its ends. False is a proof.
   ///
@@ -89,6 +101,7 @@ class RecordSearch {
   bool stays_below(std::int64_t goal, const Csat& seed, const char* stop);
 
   std::string_view residues_;
+  unsigned longest_unit_;
   SeedKind seed_;
   Accelerations accelerations_;
   Scoring scoring_;
@@ -97,6 +110,7 @@ class RecordSearch {
   BitLookAheadMemory bit_memory_;
   StoredWays ways_;
   bool shares_ways_;
+  std::optional<SelfAlignment> self_alignment_;  ///< Made when it is first needed.
 };
 
 }  // namespace vorlan

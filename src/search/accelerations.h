@@ -14,6 +14,7 @@ struct Accelerations {
   bool run_samples = true;        ///< search/run_samples.h
   bool exact_filter = true;       ///< search/exact_filter.h
   bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
+  bool self_alignment = true;     ///< imperfect/self_alignment/first_copy_bound.h
   bool wraparound = true;         ///< imperfect/wraparound/wraparound_kernel.h
   bool series_filter = true;      ///< imperfect/filter/series_filter.h
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
@@ -27,6 +28,7 @@ struct Accelerations {
     return {.run_samples = false,
             .exact_filter = false,
             .candidate_filter = false,
+            .self_alignment = false,
             .wraparound = false,
             .series_filter = false,
             .early_end = false,
@@ -47,6 +49,7 @@ inline constexpr NamedAcceleration kAccelerations[] = {
     {"run_samples", &Accelerations::run_samples},
     {"exact_filter", &Accelerations::exact_filter},
     {"candidate_filter", &Accelerations::candidate_filter},
+    {"self_alignment", &Accelerations::self_alignment},
     {"wraparound", &Accelerations::wraparound},
     {"series_filter", &Accelerations::series_filter},
     {"early_end", &Accelerations::early_end},

@@ -21,6 +21,7 @@ namespace vorlan {
 class BitPlanes;
 class CAnchorSeq;
 class RecordSearch;     // what the imperfect searches of the record share; in imperfect/
+class SparseStarts;     // which starts resemble what follows; in imperfect/
 class SeriesSurvivors;  // what is known of its starts beforehand; in imperfect/
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
@@ -124,6 +125,9 @@ class CSearchController {
 
   void one_unit_len_complete_imperfect_search(unsigned unit_len, CAnchorSeq& anchors,
                                               std::list<Csat*>& results);
+
+  /// See RecordSearch::similar_starts; shows progress.
+  const SparseStarts* similar_starts(unsigned unit_length);
 
   /// How far the scan for a unit length has asked for progress.
   struct ScanProgress {

@@ -52,10 +52,26 @@ class StartBlock {
   template <class Survivors>
   void set_survivors(const Survivors& survivors) {
     judged_.fill(~std::uint64_t{0});
+    survivors_.fill(0);
     for (std::size_t i = 0; i < kWords; ++i) {
       const std::ptrdiff_t begin = begin_ + static_cast<std::ptrdiff_t>(i) * kBitsPerWord;
       if (begin >= end_) break;
       survivors_[i] = survivors(begin);
+    }
+  }
+
+  /// The same for what another filter may narrow down further: the survivors that `anchors` allowed
+  /// at first are given to `doubt(start)`, in order, and stay out unless they are kept.
+  template <class Survivors, class Doubt>
+  void doubt_survivors(const Survivors& survivors, const Doubt& doubt) {
+    const Words allowed = judged_;
+    set_survivors(survivors);
+    for (std::size_t i = 0; i < kWords; ++i) {
+      const std::ptrdiff_t begin = begin_ + static_cast<std::ptrdiff_t>(i) * kBitsPerWord;
+      for (std::uint64_t left = survivors_[i] & allowed[i]; left != 0; left &= left - 1) {
+        doubt(begin + std::countr_zero(left));
+      }
+      survivors_[i] &= ~allowed[i];
     }
   }
 

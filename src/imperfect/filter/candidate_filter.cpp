@@ -186,6 +186,7 @@ std::span<std::ptrdiff_t> CandidateFilter::look_closely() {
 }
 
 std::size_t CandidateFilter::keep_survivors(std::size_t count) {
+  if (memory_ == nullptr) allocate();
   // The lanes that are left over look at the last start once more.
   std::fill(survivors_.begin() + count, survivors_.end(), survivors_[count - 1]);
   std::array<std::uint64_t, kFilterWords> left{};

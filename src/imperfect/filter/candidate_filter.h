@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -56,6 +57,16 @@ class CandidateFilter {
   /// for the positions from `first_word` * 64 on. Those in doubt are kept for `look_closely`. What
   /// stays survives. Requires that less than kFilterStarts are in doubt.
   void glance(std::ptrdiff_t first_word, std::uint64_t* candidates);
+
+  /// Whether there is anything to judge by; if not, all starts survive.
+  bool can_judge() const { return can_judge_; }
+
+  /// Adds a start that is in doubt for other reasons, from left to right. Requires less than
+  /// 2 * kFilterStarts doubts.
+  void doubt(std::ptrdiff_t start) {
+    assert(doubt_count_ < doubts_.size());
+    doubts_[doubt_count_++] = start;
+  }
 
   /// How many starts are in doubt, and the first of them.
   std::size_t doubts() const { return doubt_count_; }

@@ -32,6 +32,12 @@ class StartFilter {
   /// As CandidateFilter::glance.
   void glance(std::ptrdiff_t first_word, std::uint64_t* candidates);
 
+  /// Whether any start can be rejected; if not, none may be given to `doubt`.
+  bool can_judge() const { return bound_ || (has_automaton_ && filter_.can_judge()); }
+
+  /// As CandidateFilter::doubt.
+  void doubt(std::ptrdiff_t start) { filter_.doubt(start); }
+
   std::size_t doubts() const { return filter_.doubts(); }
   std::ptrdiff_t first_doubt() const { return filter_.first_doubt(); }
 

@@ -9,19 +9,22 @@
 namespace vorlan {
 
 StartQueue::StartQueue(const RecordSearch& record, std::ptrdiff_t starts, unsigned unit_length,
-                       int min_score, MarkPainter& marks, const SeriesSurvivors* known)
+                       int min_score, MarkPainter& marks, const Known& known)
     : record_(record),
       starts_(starts),
       unit_length_(unit_length),
       marks_(marks),
-      known_(known),
+      in_series_(known.in_series),
       filter_(record.residues(), record.planes(), unit_length, min_score, starts,
-              record.accelerations()) {}
+              record.accelerations()) {
+  if (known.similar != nullptr) similar_.emplace(*known.similar);
+}
 
 bool StartQueue::next_block() {
   assert(!has_block_ || blocks_.front().is_empty());
   if (has_block_) blocks_.pop_front();
   while (!has_judged_block()) {
+    pass_over_blocks();
     if (filter_.doubts() < filter_.enough_doubts() && next_ < starts_ &&
         blocks_.size() < kMostBlocks) {
       add_block();
@@ -41,7 +44,15 @@ bool StartQueue::has_judged_block() const {
 
 StartBlock& StartQueue::block_of(std::ptrdiff_t start) {
   assert(start >= blocks_.front().begin() && start < blocks_.back().end());
-  return blocks_[static_cast<std::size_t>((start - blocks_.front().begin()) / StartBlock::kStarts)];
+  return *std::find_if(blocks_.begin(), blocks_.end(),
+                       [=](const StartBlock& block) { return start < block.end(); });
+}
+
+// Blocks in which no start is similar need not be looked at.
+void StartQueue::pass_over_blocks() {
+  if (!similar_ || next_ >= starts_) return;
+  const std::ptrdiff_t word = similar_->next_word(next_);
+  next_ = word == SparseStarts::kNone ? starts_ : word - word % StartBlock::kStarts;
 }
 
 void StartQueue::add_block() {
@@ -51,8 +62,15 @@ void StartQueue::add_block() {
   StartBlock& block =
       blocks_.emplace_back(next_, starts_, unit_length_, marks_.anchors(), record_.planes());
   next_ = block.end();
-  if (known_ != nullptr) {
-    block.set_survivors([this](auto start) { return known_->survivors(unit_length_, start); });
+  if (in_series_ != nullptr) {
+    block.set_survivors([this](auto start) { return in_series_->survivors(unit_length_, start); });
+  } else if (similar_) {
+    const auto survivors = [this](auto start) { return similar_->word(start); };
+    if (filter_.can_judge()) {
+      block.doubt_survivors(survivors, [this](auto start) { filter_.doubt(start); });
+    } else {
+      block.set_survivors(survivors);
+    }
   } else if (block.has_survivors()) {
     filter_.glance(block.first_word(), block.survivors());
   }

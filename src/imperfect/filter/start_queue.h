@@ -5,11 +5,13 @@
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 
 #include "imperfect/filter/series_filter.h"
 #include "imperfect/filter/start_filter.h"
 #include "imperfect/late_marks/mark_painter.h"
 #include "imperfect/record_search.h"
+#include "imperfect/self_alignment/sparse_starts.h"
 #include "search/start_block.h"
 
 namespace vorlan {
@@ -21,13 +23,20 @@ namespace vorlan {
 /// `marks_have_changed`.
 ///
 /// The filter looks at the starts of several blocks together, so blocks wait here until the first
-/// of them is judged. Those of a short record have been judged before, together with its series.
+/// of them is judged.
 class StartQueue {
  public:
-  /// The first `starts` residues of the record are starts. `known` is what a series has found out
-  /// about them, or null. All must outlive the queue.
+  /// What was found out about the starts of this unit length before, each by another filter or
+  /// null: what survives in the series of a short record, for good, and what the self-alignment of
+  /// the record lets pass to the filter of this queue.
+  struct Known {
+    const SeriesSurvivors* in_series = nullptr;
+    const SparseStarts* similar = nullptr;
+  };
+
+  /// The first `starts` residues of the record are starts. All must outlive the queue.
   StartQueue(const RecordSearch& record, std::ptrdiff_t starts, unsigned unit_length, int min_score,
-             MarkPainter& marks, const SeriesSurvivors* known);
+             MarkPainter& marks, const Known& known);
 
   /// Goes on to the next block of starts, which are ready to be taken. Returns false when there is
   /// none. Requires that all starts of the block before it were taken.
@@ -49,6 +58,7 @@ class StartQueue {
   static constexpr std::size_t kMostBlocks = 32;
 
   bool has_judged_block() const;
+  void pass_over_blocks();
   void add_block();
   StartBlock& block_of(std::ptrdiff_t start);
 
@@ -56,7 +66,8 @@ class StartQueue {
   std::ptrdiff_t starts_;
   unsigned unit_length_;
   MarkPainter& marks_;
-  const SeriesSurvivors* known_;
+  const SeriesSurvivors* in_series_;
+  std::optional<SparseStarts::Reader> similar_;
   StartFilter filter_;
   std::ptrdiff_t next_ = 0;  ///< Where the next block begins.
   bool has_block_ = false;
