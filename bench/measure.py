@@ -90,15 +90,15 @@ class Program:
     The report names input and report file, so these have the same names for all programs.
     """
 
-    def __init__(self, path: Path, folder: Path) -> None:
-        self.path = path.resolve()
+    def __init__(self, path: Path, folder: Path, first_arguments: tuple[str, ...] = ()) -> None:
+        self.command = [str(path.resolve()), *first_arguments]
         self.folder = folder
         self.report = folder / REPORT_NAME
         folder.mkdir()
 
     def run(self, task: Task, measurement: Measurement) -> None:
         """Adds one run to the measurement."""
-        command = [str(self.path), *task.options, str(task.input_file), REPORT_NAME]
+        command = [*self.command, *task.options, str(task.input_file), REPORT_NAME]
         self.report.unlink(missing_ok=True)
         used = usage_of(command, self.folder)
         measurement.cpu_seconds.append(used.cpu_seconds)

@@ -31,6 +31,8 @@ from measure import (CPU_LIMIT_SECONDS, LONG_RUN_SECONDS, RUNS_WHEN_LONG, RUNS_W
 from workloads import Faster, Growth, Memory, Throughput, Work
 
 BENCH = Path(__file__).resolve().parent
+# Within the build.
+SWITCHES = "bench/vorlan_switches"
 DEFAULT_RUNS = 5
 # Growth and memory compare Vorlan with itself; the long runs among them are far from their limits.
 GROWTH_RUNS = 3
@@ -126,7 +128,7 @@ class Bench:
         inputs.mkdir()
         self.store = InputStore(inputs, arguments.data)
         self.vorlan = Program(arguments.build / "vorlan", folder / "vorlan")
-        self.plain = Program(arguments.build / "bench" / "vorlan_plain", folder / "plain")
+        self.plain = Program(arguments.build / SWITCHES, folder / "plain", ("none",))
         self.folder = folder
         self.measured: dict[tuple[tuple[str, ...], str], Measurement] = {}
         self.skipped: list[str] = []
@@ -288,7 +290,7 @@ def parse_arguments() -> argparse.Namespace:
     parser.add_argument("--only", action="append", default=[], choices=row_names(), metavar="NAME",
                         help=f"only rows of this name: {', '.join(row_names())}; may be repeated")
     arguments = parser.parse_args()
-    for program in ("vorlan", "bench/vorlan_plain"):
+    for program in ("vorlan", SWITCHES):
         if not (arguments.build / program).is_file():
             parser.error(f"{arguments.build} holds no {program}; was it built with VORLAN_BENCH on?")
     if arguments.data and not arguments.data.is_dir():
