@@ -1,14 +1,21 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: the Vorlan authors
 #
-# The front door: short targets over the presets of CMakePresets.json.
+# The front door: short targets over the presets of CMakePresets.json. A target whose packages are
+# not all there names them and the command before it installs them, with sudo unless you are root.
 #
 #   make run                 search the bundled example with the default settings
 #   make run ARGS="-M exact genome.fa report.txt"
-#   make test                run every test but the slow ones
+#   make build               only build, to build/release/vorlan
+#   make deps                install what building and testing need; GROUPS="build test documents ..."
+#   make install             PREFIX (default /usr/local) and DESTDIR as usual
+#   make uninstall           remove what the last make install put there; the same DESTDIR
+#   make test                run every test but the slow ones and those of documents
+#   make test-docs           check documents, figures, manual and completions
 #   make test-slow           run the tests that take long, also under the sanitizers
-#   make test-asan           the same under the sanitizers, with g++ and with clang++
-#   make test-clang          the same, built with clang++, warnings as errors
+#   make test-asan           what make test runs, under the sanitizers of g++
+#   make test-asan-clang     the same with those of clang++
+#   make test-clang          what make test runs, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make coverage            which lines and branches of the product the tests reach
@@ -17,9 +24,9 @@
 #                            sections of bench/sections/, QUICK=1 to see only whether everything works
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
-#   make install             PREFIX (default /usr/local) and DESTDIR as usual
 #   make deb                 build a Debian package in build/deb/
 #   make clean
+#   make help                this list
 
 ARGS ?= examples/androgen_receptor.fa
 PREFIX ?= /usr/local
@@ -28,15 +35,18 @@ DATA ?=
 SECTION ?=
 QUICK ?=
 BUILD_DIR ?= build/release
+INSTALLED ?= build/installed-files
 DEB_DIR ?= build/deb
 SECONDS ?= 60
 TARGET ?=
+GROUPS ?= build test documents cookbook figures
 
 need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-slow test-asan test-clang test-portable fuzz coverage mutants bench figures lint install deb clean
+.PHONY: build run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
+  test-portable fuzz coverage mutants bench figures lint deb clean help
 
 build:
 	$(need) build
@@ -46,6 +56,9 @@ build:
 run: build
 	@build/release/vorlan $(ARGS)
 
+deps:
+	$(need) $(GROUPS)
+
 # Configures, builds and tests the preset $(1).
 define run_tests
 	$(call configure,$(1),ON)
@@ -54,8 +67,15 @@ define run_tests
 endef
 
 test:
-	$(need) build test cookbook figures
+	$(need) build test
 	$(call run_tests,release)
+
+# Only what these tests need is built.
+test-docs:
+	$(need) build test documents cookbook figures
+	$(call configure,release,ON)
+	@cmake --build --preset release --target vorlan >&2
+	@ctest --preset release-docs
 
 # Builds only the program with the preset $(1).
 define build_program
@@ -64,7 +84,7 @@ define build_program
 endef
 
 test-slow:
-	$(need) build test test-slow cookbook figures deb clang
+	$(need) build test test-slow deb clang
 	$(call configure,release,ON)
 	$(call build,release)
 	@ctest --preset release-slow
@@ -77,16 +97,19 @@ test-slow:
 	@ctest --preset asan-slow
 
 test-asan:
-	$(need) build test cookbook figures clang
+	$(need) build test
 	$(call run_tests,asan)
+
+test-asan-clang:
+	$(need) build test clang
 	$(call run_tests,asan-clang)
 
 test-clang:
-	$(need) build test cookbook figures clang
+	$(need) build test clang
 	$(call run_tests,clang)
 
 test-portable:
-	$(need) build test cookbook figures
+	$(need) build test
 	$(call run_tests,portable)
 
 fuzz:
@@ -127,6 +150,10 @@ lint:
 
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"
+	@cp "$(BUILD_DIR)/install_manifest.txt" "$(INSTALLED)"
+
+uninstall:
+	@DESTDIR="$(DESTDIR)" tools/uninstall.sh "$(INSTALLED)"
 
 deb:
 	$(need) build deb
@@ -134,3 +161,6 @@ deb:
 
 clean:
 	@rm -rf build
+
+help:
+	@sed -n 's/^#   make/make/p' Makefile

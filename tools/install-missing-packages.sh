@@ -3,7 +3,8 @@
 # SPDX-FileCopyrightText: the Vorlan authors
 #
 # install-missing-packages.sh GROUP...: installs the Debian packages that the groups need and that
-# are not there yet. When all is there, no package tool is called, so it works offline.
+# are not there yet, and says so first: their names and the commands. When all is there, nothing is
+# said and no package tool is called, so it works offline.
 set -eu
 
 # A line per package: what shows that it is there (a command, or a file), and its name.
@@ -17,12 +18,12 @@ ninja ninja-build
 /usr/include/gmock/gmock.h libgmock-dev
 python3 python3
 readelf binutils
-groff groff-base
+/usr/share/i18n/locales/de_DE locales' ;;
+    documents) echo 'groff groff-base
 man man-db
 mandoc mandoc
 /usr/share/bash-completion/bash_completion bash-completion
-zsh zsh
-/usr/share/i18n/locales/de_DE locales' ;;
+zsh zsh' ;;
     deb) echo 'dpkg-buildpackage dpkg-dev
 /usr/share/build-essential/list build-essential
 fakeroot fakeroot
@@ -69,9 +70,10 @@ done
 [ -n "$missing" ] || exit 0
 
 as_root=
-[ "$(id -u)" -eq 0 ] || as_root=sudo
-echo "Installing missing packages:$missing" >&2
-$as_root apt-get update -qq >&2
+[ "$(id -u)" -eq 0 ] || as_root='sudo '
+update="${as_root}apt-get update -qq"
+install="${as_root}env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends$missing"
+printf 'Debian packages are missing:%s\nInstalling them with\n  %s\n  %s\n' \
+  "$missing" "$update" "$install" >&2
 # shellcheck disable=SC2086 # one word per package
-$as_root env DEBIAN_FRONTEND=noninteractive \
-  apt-get install -y -qq --no-install-recommends $missing >&2
+{ $update; $install; } >&2

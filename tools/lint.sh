@@ -2,12 +2,13 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: the Vorlan authors
 #
-# lint.sh BUILD_DIR: checks the format of all C++ files and runs clang-tidy over the product, with the
-# compile commands of BUILD_DIR.
+# lint.sh BUILD_DIR: checks which folder of the product includes which and the format of all C++
+# files, and runs clang-tidy over the product, with the compile commands of BUILD_DIR.
 set -eu
 build=$1
 cd "$(dirname "$0")/.."
 
+python3 tools/check_layers.py src
 git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 git ls-files -- 'src/*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p "$build"
 echo "lint: clean"

@@ -28,7 +28,8 @@ REGION = re.compile(r"^(\S+ options: begin[^\n]*\n).*?^(\S+ options: end)$", re.
 WIDTH = 80
 KINDS = {"int": "Integer", "unsigned": "Integer", "float": "Decimal number"}
 BEYOND = {"": "", "refused": "; other values are refused", "limited": "; smaller values are taken as {least}",
-          "unsigned": "; to negative values 4294967296 is added"}
+          "unsigned": "; to negative values 4294967296 is added",
+          "wrapped": "; to negative values 4294967296 is added, so that -5 is 4294967291; others are refused"}
 
 
 @dataclass(frozen=True)

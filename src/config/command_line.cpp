@@ -85,7 +85,7 @@ struct Choice {
 
 int copy_choices(CommandLineOptions& options) {
   // The last two share one message: it names reportUnit even when NPerfectionMode is at fault.
-  // Deliberate, since scripts match on it.
+  // Deliberate: messages are fixed by contract.
   const Choice choices[] = {
       {options.outputFormat, kFormatFasta, global_print_sat_mode,
        "An outputFormat with a value of ", " is unknown.\n\n"},

@@ -35,7 +35,7 @@ class FileNamesArg : public TCLAP::UnlabeledMultiArg<std::string> {
 };
 
 /// All options, added to `cmd` in the order in which they stand here. Wording that looks like a
-/// slip ("aborded", "a satellites") is what users' scripts and manuals quote: it stays.
+/// slip ("aborded", "a satellites") stays: messages are fixed by contract.
 struct CommandLineOptions {
   TCLAP::CmdLine cmd{"This program searches for tandemly repeated patterns in DNA sequences.", ' ',
                      VORLAN_VERSION ".\nThis is a " + std::to_string(sizeof(void*) * CHAR_BIT) +

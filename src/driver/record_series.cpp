@@ -3,6 +3,7 @@
 
 #include "driver/record_series.h"
 
+#include <cassert>
 #include <new>
 
 #include "config/settings.h"
@@ -32,6 +33,7 @@ bool RecordSeries::is_full() const {
 }
 
 void RecordSeries::add(std::uint32_t number, const CSequence_Mol& sequence) {
+  assert(is_short(sequence) && !is_full());
   if (size_ == records_.size()) records_.emplace_back();
   Record& record = records_[size_];
   record.number = number;

@@ -241,6 +241,7 @@ bool is_lack_of_memory(const std::exception_ptr& exception) try {
 int run(int argc, const char* const* argv, const Accelerations& accelerations) try {
   std::set_terminate(terminated);
   keep_output_descriptors();
+  let_writes_fail_at_a_size_limit();
   time_analysis_started = std::time(nullptr);
   vorlan_welcome(stderr);
   std::fflush(stderr);

@@ -33,8 +33,12 @@ namespace {
 template <class Direction>
 class Extension {
  public:
-  Extension(Csat& sat, const char* stop, RecordSearch& record, std::vector<WaySegment>& passed_over)
-      : sat_(sat), scoring_(record.scoring()), steps_(sat, stop, record) {
+  Extension(Csat& sat, const char* stop, RecordSearch& record, std::vector<WaySegment>& passed_over,
+            std::int64_t least_score)
+      : sat_(sat),
+        scoring_(record.scoring()),
+        least_score_(least_score),
+        steps_(sat, stop, record) {
     now_.front = Direction::front(sat);
     now_.totals = {sat.score, sat.mismatches, sat.insertions, sat.deletions, sat.num_Ns};
     now_.events = sat.missense.size;
@@ -51,6 +55,7 @@ class Extension {
         break;
       }
       if (is_as_good_as_best()) best_ = now_;
+      if (is_over()) break;
       if (ways_ && !ways_->pass_over(now_, best_)) {
         keep = is_as_good_as_best();
         break;
@@ -75,6 +80,16 @@ class Extension {
     return now_.totals.score > best_.totals.score - scoring_.prefer_longer_repeat;
   }
 
+  // Whether nothing that may follow is kept. A state one point worse than those that replace the
+  // best one may be kept, too; and an alignment below the least score is worth no more than
+  // another.
+  bool is_over() {
+    const std::int64_t best = best_.totals.score;
+    const std::int64_t goal =
+        best < least_score_ ? least_score_ : best - scoring_.prefer_longer_repeat;
+    return steps_.stays_below(goal, now_.front, now_.totals.score, best);
+  }
+
   void store(const ExtensionState& state) {
     Direction::set_front(sat_, state.front);
     sat_.score = static_cast<std::int32_t>(state.totals.score);
@@ -88,6 +103,7 @@ class Extension {
 
   Csat& sat_;
   const Scoring& scoring_;
+  std::int64_t least_score_;
   ExtensionSteps<Direction> steps_;
   std::optional<WayFollower<Direction>> ways_;  ///< Only speed; none without shared ways.
   ExtensionState now_;
@@ -97,12 +113,14 @@ class Extension {
 }  // namespace
 
 template <class Direction>
-void extend(Csat& sat, const char* stop, RecordSearch& record,
-            std::vector<WaySegment>& passed_over) {
-  Extension<Direction>(sat, stop, record, passed_over).run();
+void extend(Csat& sat, const char* stop, RecordSearch& record, std::vector<WaySegment>& passed_over,
+            std::int64_t least_score) {
+  Extension<Direction>(sat, stop, record, passed_over, least_score).run();
 }
 
-template void extend<Forward>(Csat&, const char*, RecordSearch&, std::vector<WaySegment>&);
-template void extend<Backward>(Csat&, const char*, RecordSearch&, std::vector<WaySegment>&);
+template void extend<Forward>(Csat&, const char*, RecordSearch&, std::vector<WaySegment>&,
+                              std::int64_t);
+template void extend<Backward>(Csat&, const char*, RecordSearch&, std::vector<WaySegment>&,
+                               std::int64_t);
 
 }  // namespace vorlan

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "imperfect/record_search.h"
@@ -16,8 +18,11 @@ namespace vorlan {
 ///
 /// Stretches of stored ways are passed over: their edits are counted, but stand in `passed_over`
 /// instead of in the events of `sat`.
+///
+/// An alignment that ends with less than `least_score` need not be the best one: only that its
+/// score is less is right then.
 template <class Direction>
-void extend(Csat& sat, const char* stop, RecordSearch& record,
-            std::vector<WaySegment>& passed_over);
+void extend(Csat& sat, const char* stop, RecordSearch& record, std::vector<WaySegment>& passed_over,
+            std::int64_t least_score = std::numeric_limits<std::int64_t>::min());
 
 }  // namespace vorlan

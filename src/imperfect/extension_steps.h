@@ -41,6 +41,13 @@ class ExtensionSteps {
     return look_ahead_.best_move(front, score, level_, best_score);
   }
 
+  /// Whether nothing that follows the decision point at `front` will score `goal` or more, as far
+  /// as can be proved. `best_score` is the best so far. Only speed: false is always right.
+  bool stays_below(std::int64_t goal, const Front& front, std::int64_t score,
+                   std::int64_t best_score) {
+    return look_ahead_.stays_below(goal, front, score, best_score);
+  }
+
   void make(Move move, Front& front, AlignmentTotals& totals) const {
     front = after<Direction>(move, front, unit_);
     totals.add(move, scoring_);

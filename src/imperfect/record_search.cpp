@@ -18,7 +18,7 @@ constexpr std::uint32_t kMostNotedEdits = 64;
 
 std::size_t margin_of_planes(unsigned longest_unit) {
   return std::max({CandidateFilter::margin(longest_unit), ExactFilter::margin(longest_unit),
-                   MismatchMasks<Forward>::kReach});
+                   MismatchMasks<Forward>::kReach, DiagonalMasks<Forward>::kMargin});
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ RecordSearch::RecordSearch(std::string_view residues, unsigned longest_unit, See
 bool RecordSearch::extend_and_accept(Csat& sat, const Thresholds& thresholds,
                                      PassedOver& passed_over) {
   extend<Forward>(sat, end(), *this, passed_over.forward);
-  extend<Backward>(sat, begin(), *this, passed_over.backward);
+  extend<Backward>(sat, begin(), *this, passed_over.backward, thresholds.score);
   sat.trim_Ns();
   if (!sat.reaches(thresholds.score, thresholds.length)) return false;
   if (notes_events(sat)) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "imperfect/look_ahead/bit_look_ahead.h"
 #include "imperfect/look_ahead/merged_look_ahead.h"
 #include "imperfect/scoring.h"
 #include "imperfect/ways/stored_ways.h"
@@ -44,11 +45,13 @@ class RecordSearch {
   /// The residues as bits, with a margin for every filter.
   const BitPlanes& planes() const { return planes_; }
 
-  /// The memory of the look-ahead.
+  /// The memories of the look-aheads.
   template <class Direction>
   MergedLookAheadMemory<Direction>& memory() {
     return std::get<MergedLookAheadMemory<Direction>>(memories_);
   }
+
+  BitLookAheadMemory& bit_memory() { return bit_memory_; }
 
   /// The ways of all extensions so far; empty where ways are not shared.
   StoredWays& ways() { return ways_; }
@@ -77,6 +80,7 @@ class RecordSearch {
   Scoring scoring_;
   BitPlanes planes_;
   std::tuple<MergedLookAheadMemory<Forward>, MergedLookAheadMemory<Backward>> memories_;
+  BitLookAheadMemory bit_memory_;
   StoredWays ways_;
   bool shares_ways_;
 };

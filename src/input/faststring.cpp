@@ -4,6 +4,7 @@
 #include "input/faststring.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -39,6 +40,7 @@ void faststring::grow() {
 }
 
 void faststring::assign(std::string_view text) {
+  assert(text.empty() || text.data() + text.size() <= buf || text.data() >= buf + capacity);
   reserve(checked_capacity(std::uint64_t{text.size()} + 1));
   if (!text.empty()) std::memcpy(buf, text.data(), text.size());
   size = static_cast<std::uint32_t>(text.size());

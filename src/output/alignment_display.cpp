@@ -3,11 +3,15 @@
 
 #include "output/alignment_display.h"
 
+#include <algorithm>
+#include <cassert>
+
 #include "config/settings.h"
 
 namespace vorlan {
 
 AlignmentDisplay::AlignmentDisplay(const Csat& sat, const FlankedRepeat& bases) {
+  assert(std::is_sorted(sat.missense.begin(), sat.missense.end(), Csat::lessThan_missense));
   const bool has_flanks = global_flanking != 0;
   reserve(static_cast<std::uint32_t>(bases.whole().size()) + sat.deletions + 2);
   if (has_flanks) {

@@ -4,6 +4,7 @@
 #include "output/cdnastring.h"
 
 #include <array>
+#include <cassert>
 #include <string>
 
 namespace vorlan {
@@ -25,6 +26,7 @@ constexpr std::array<char, 256> kComplements = complements();
 }  // namespace
 
 void CDnaString::setToRevCompOf(const CDnaString& source) {
+  assert(&source != this);
   size = 0;
   reserve(source.size);
   for (std::uint32_t i = source.size; i > 0; --i) {

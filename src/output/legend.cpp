@@ -10,7 +10,7 @@ namespace vorlan {
 namespace {
 
 std::vector<const char*> column_texts() {
-  // The first column shows the type of the repeat, but has always been called its unit length.
+  // The first column shows the type of the repeat, but is called its unit length, by contract.
   std::vector<const char*> texts = {
       "Repeat unit length",
       "Position at which repeat starts in current sequence",

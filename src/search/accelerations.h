@@ -11,18 +11,24 @@ namespace vorlan {
 /// Handed in where a search is made. The program always uses all; tests leave engines out to
 /// compare, and the benchmarks to see what each is worth.
 struct Accelerations {
+  bool run_samples = true;        ///< search/run_samples.h
   bool exact_filter = true;       ///< search/exact_filter.h
   bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
   bool series_filter = true;      ///< imperfect/filter/series_filter.h
+  bool early_end = true;          ///< imperfect/look_ahead/comeback.h
+  bool bit_look_ahead = true;     ///< imperfect/look_ahead/furthest_places.h
   bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
   bool shared_ways = true;        ///< imperfect/ways/way_forest.h
   bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h
   bool events_on_demand = true;   ///< imperfect/record_search.h; works on shared ways alone
 
   static constexpr Accelerations none() {
-    return {.exact_filter = false,
+    return {.run_samples = false,
+            .exact_filter = false,
             .candidate_filter = false,
             .series_filter = false,
+            .early_end = false,
+            .bit_look_ahead = false,
             .merged_look_ahead = false,
             .shared_ways = false,
             .late_marks = false,
@@ -36,9 +42,12 @@ struct NamedAcceleration {
   bool Accelerations::*is_on;
 };
 inline constexpr NamedAcceleration kAccelerations[] = {
+    {"run_samples", &Accelerations::run_samples},
     {"exact_filter", &Accelerations::exact_filter},
     {"candidate_filter", &Accelerations::candidate_filter},
     {"series_filter", &Accelerations::series_filter},
+    {"early_end", &Accelerations::early_end},
+    {"bit_look_ahead", &Accelerations::bit_look_ahead},
     {"merged_look_ahead", &Accelerations::merged_look_ahead},
     {"shared_ways", &Accelerations::shared_ways},
     {"late_marks", &Accelerations::late_marks},

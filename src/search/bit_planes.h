@@ -34,6 +34,9 @@ class BitPlanes {
   static std::uint64_t low_bit(char base) { return static_cast<unsigned char>(base) >> 1 & 1U; }
   static std::uint64_t high_bit(char base) { return static_cast<unsigned char>(base) >> 2 & 1U; }
 
+  /// How many positions can be read on either side, at least what was asked for.
+  std::size_t margin() const { return margin_words_ * kBitsPerWord; }
+
   /// The planes from the word that holds residue 0. Words before it belong to the left margin.
   Words words() const {
     const std::size_t first = margin_words_;

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -65,6 +66,7 @@ class CAnchorSeq {
 
   /// The marks of 64 positions from `position` on.
   std::uint64_t marks_from(std::ptrdiff_t position) const {
+    assert((position >> 6) + kWordsBefore + 1 < static_cast<std::ptrdiff_t>(words_.size()));
     return bits_at(words_.data() + kWordsBefore, position);
   }
 

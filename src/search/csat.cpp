@@ -4,6 +4,7 @@
 #include "search/csat.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 
 #include "config/settings.h"
@@ -109,6 +110,7 @@ Csat& SpareSat::candidate(const char* left, const char* right) {
 }
 
 Csat* SpareSat::release() {
+  assert(!spare_.empty());
   Csat* const sat = spare_.front();
   spare_.clear();
   return sat;

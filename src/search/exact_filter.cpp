@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 #include "config/settings.h"
 #include "search/start_block.h"
@@ -71,7 +72,9 @@ ExactFilter::ExactFilter(const BitPlanes& planes, std::size_t unit_length, int m
     : planes_(planes.words()),
       unit_length_(static_cast<std::ptrdiff_t>(unit_length)),
       run_length_(std::min(static_cast<std::size_t>(std::max(min_score, 0)), kLongestRun)),
-      bridges_N_(!global_treat_Ns_as_missense && global_Ns_allowed_in_a_row > 0) {}
+      bridges_N_(!global_treat_Ns_as_missense && global_Ns_allowed_in_a_row > 0) {
+  assert(planes.margin() >= margin(unit_length));
+}
 
 std::size_t ExactFilter::margin(std::size_t unit_length) {
   return unit_length + StartBlock::kStarts + kLongestRun + 2 * kBitsPerWord;

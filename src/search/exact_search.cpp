@@ -21,6 +21,7 @@
 #include "search/csearchcontroller.h"
 #include "search/exact_filter.h"
 #include "search/perfect_extension.h"
+#include "search/run_samples.h"
 #include "search/start_block.h"
 #include "search/unit_scan.h"
 
@@ -35,10 +36,14 @@ void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlan
   const int min_length = (*minLengths)[unit_length];
   const ExactFilter filter(planes, unit_length, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_length);
+  RunSamples samples(planes, unit_length, min_score, scan.starts());
   SpareSat spare;
   ScanProgress progress{unit_length};
   std::ptrdiff_t next_start = 0;
   for (std::ptrdiff_t begin = 0; begin < scan.starts(); begin += StartBlock::kStarts) {
+    if (accelerations_.run_samples) begin = samples.next_block(begin);
+    report_progress(progress, begin, next_start);
+    if (begin == scan.starts()) break;
     StartBlock block(begin, scan.starts(), unit_length, mask, planes);
     if (accelerations_.exact_filter && block.has_survivors()) {
       filter.keep_survivors(block.first_word(), block.survivors());

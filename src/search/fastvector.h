@@ -16,7 +16,7 @@ namespace vorlan {
 /// which are used again and again do not allocate. Grows by doubling from 4.
 ///
 /// A failed first allocation throws std::bad_alloc. A failed growth ends the process with a message
-/// on standard output and status 0; both are deliberate, pipelines know them.
+/// on standard output and status 0; both are deliberate: the bytes and the status are fixed.
 template <typename T>
 class fastvector {
   static_assert(std::is_trivially_copy_constructible_v<T> && std::is_trivially_destructible_v<T>,

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -33,6 +34,7 @@ class StartBlock {
         end_(std::min(begin + kStarts, end_of_starts)),
         unit_length_(unit_length),
         no_base_(planes.words().no_base + first_word()) {
+    assert(begin % kStarts == 0 && begin < end_of_starts);
     judged_ = survivors_ = allowed_from(begin, anchors);
   }
 
@@ -69,6 +71,11 @@ class StartBlock {
   void collect(std::ptrdiff_t first, const CAnchorSeq& anchors) {
     words_ = allowed_from(first, anchors);
     for (std::size_t i = 0; i < kWords; ++i) words_[i] &= survivors_[i] | ~judged_[i];
+  }
+
+  /// Whether no start is left to take.
+  bool is_empty() const {
+    return std::all_of(words_.begin(), words_.end(), [](std::uint64_t word) { return word == 0; });
   }
 
   /// Takes the lowest start out of the block; -1 when there is none.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstring>
 
@@ -17,6 +18,7 @@ class UnitScan {
       : seq_begin_(seq_begin),
         seq_end_(seq_end),
         unit_length_(unit_length),
+        last_asked_(seq_begin),
         next_N_(next_N(seq_begin)) {}
 
   /// Number of starts: a unit is followed by at least one base, so a stretch that ends at the last
@@ -29,6 +31,8 @@ class UnitScan {
   /// Whether the stretch at `start` holds no N and is not one base repeated: such repeats belong to
   /// unit length 1. Requires that no start to the right was asked before.
   bool is_unit(const char* start) {
+    assert(start >= last_asked_);
+    last_asked_ = start;
     if (next_N_ < start) next_N_ = next_N(start);
     return static_cast<std::size_t>(next_N_ - start) >= unit_length_ &&
            (unit_length_ == 1 || !is_homopolymer(start));
@@ -47,6 +51,7 @@ class UnitScan {
   const char* seq_begin_;
   const char* seq_end_;
   std::size_t unit_length_;
+  const char* last_asked_;
   const char* next_N_;  ///< First N at or after the last start asked, or the end.
 };
 

@@ -101,6 +101,18 @@ class FullDisk(FailedWrites):
         lines = (b"N" * 80 + b"\n") * 1250
         self.assertEqual(self.read("in.fa.masked"), (b">a\n" + lines + b">b\n" + lines)[:150_000])
 
+    def test_a_limit_on_the_size_of_files_is_a_failed_write(self) -> None:
+        self.assert_not_written(self.run_program("in.fa", "out.txt", preexec_fn=limited_files(100, signal.SIG_DFL)),
+                                b"out.txt")
+        whole = header(b"in.fa", b"out.txt") + block(b"a") + block(b"b") + CLOSING_LINE
+        self.assertEqual(self.read("out.txt"), whole[:100])
+
+    def test_a_limit_on_the_size_of_files_set_by_a_shell_is_a_failed_write(self) -> None:
+        self.write("in.fa", LONG_RECORDS)
+        outcome = self.run_in_shell('ulimit -f 20; exec "$vorlan" --maskX in.fa out.txt')
+        self.assert_not_written(outcome, b"in.fa.masked")
+        self.assertEqual(len(self.read("in.fa.masked")), 20 * 1024)
+
     def test_a_full_disk_behind_the_console_does_not_harm_the_report(self) -> None:
         with open("/dev/full", "wb") as full:
             outcome = self.run_program("in.fa", stderr=full)
@@ -160,6 +172,29 @@ class SmallDisk(FailedWrites):
         kept = self.read("kept/in.fa.masked")
         self.assertEqual(kept, (b">a\n" + (b"N" * 80 + b"\n") * 1250)[:len(kept)])
         self.assertGreater(len(kept), self.ROOM - 2 * 4096)
+
+
+class InputLost(FailedWrites):
+    """What the documents warn of: files are opened as they are named, and none is asked about."""
+
+    def test_a_second_fasta_file_is_the_report_and_replaced(self) -> None:
+        self.write("b.fa", RECORD)
+        self.assert_success(self.run_program("in.fa", "b.fa"))
+        self.assertEqual(self.read("b.fa"), header(b"in.fa", b"b.fa") + block(b"a") + block(b"b") + CLOSING_LINE)
+
+    def test_an_input_that_is_the_report_under_any_name_is_emptied(self) -> None:
+        os.symlink("in.fa", self.folder / "link")
+        os.link(self.folder / "in.fa", self.folder / "other")
+        for name in (b"in.fa", b"link", b"other"):
+            with self.subTest(name=name):
+                self.write("in.fa", TWO_RECORDS)
+                head = header(b"in.fa", name)
+                self.assert_malformed(self.run_program("in.fa", name), head.count(b"\n") + 1)
+                self.assertEqual(self.read("in.fa"), head)
+
+    def test_an_input_to_which_standard_output_goes_is_emptied(self) -> None:
+        self.assertEqual(self.run_in_shell('exec "$vorlan" in.fa >in.fa').status, 231)
+        self.assertEqual(self.read("in.fa"), header(b"in.fa"))
 
 
 class ClosedOutput(FailedWrites):
@@ -271,9 +306,9 @@ class UnopenableOutput(FailedWrites):
         self.assertEqual(self.read("out.txt"), b"old report")
 
 
-def limited_files(size: int) -> Callable[[], None]:
-    """For the start of a process that can write at most `size` bytes to each file, without a signal."""
+def limited_files(size: int, on_signal: signal.Handlers = signal.SIG_IGN) -> Callable[[], None]:
+    """For the start of a process that can write at most `size` bytes to each file."""
     def limit() -> None:
-        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        signal.signal(signal.SIGXFSZ, on_signal)
         resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
     return limit

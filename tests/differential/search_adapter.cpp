@@ -153,14 +153,14 @@ bool works_in(const vorlan::NamedAcceleration& engine, Mode mode) {
   const auto is = [&](bool Accelerations::*which) { return engine.is_on == which; };
   switch (mode) {
     case Mode::kExact:
-      return is(&Accelerations::exact_filter);
+      return is(&Accelerations::run_samples) || is(&Accelerations::exact_filter);
     case Mode::kExtendExact:
-      return is(&Accelerations::exact_filter) || is(&Accelerations::merged_look_ahead) ||
-             is(&Accelerations::shared_ways) || is(&Accelerations::events_on_demand);
+      return !is(&Accelerations::candidate_filter) && !is(&Accelerations::series_filter) &&
+             !is(&Accelerations::late_marks);
     case Mode::kImperfect:
       break;
   }
-  return !is(&Accelerations::exact_filter);
+  return !is(&Accelerations::run_samples) && !is(&Accelerations::exact_filter);
 }
 
 // Each engine alone. Events on demand come from shared ways, and can do nothing without them.

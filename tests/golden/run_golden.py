@@ -6,7 +6,9 @@
     run_golden.py BINARY CASE_DIR [CASE_DIR...]
 
 Status, standard output, standard error (but for the clock of progress lines) and the exact set of files with
-their contents must be as the case says. Ends with 'N passed, N failed'; status 1 if any failed or none ran.
+their contents must be as the case says, and its why must be its own: two cases with the same why are wrong, for at
+least one of them does not say what is special about it. Names the cases that fail and ends with
+'N passed, N failed'; status 1 if any failed or none ran.
 """
 
 from __future__ import annotations
@@ -49,13 +51,26 @@ def compare(want: Outcome, got: Outcome) -> list[str]:
     return problems + compare_files(want.files, got.files)
 
 
-def check(program: Program, case: Path) -> list[str]:
+def why_of(case: Path) -> str:
+    return " ".join((case / "why").read_text().split())
+
+
+def problems_of_why(case: Path, first_with: dict[str, str]) -> list[str]:
+    """`first_with` holds the case that came first with each why, and learns this one."""
+    why = why_of(case)
+    name = case.resolve().name
+    first = first_with.setdefault(why.casefold(), name)
+    if not why:
+        return ["  why is empty"]
+    return [] if first == name else [f"  why is that of {first}"]
+
+
+def check(program: Program, case: Path, first_with: dict[str, str] | None = None) -> list[str]:
     """What is wrong with a case; a case that cannot be read or run is wrong, too."""
     try:
         want = expected(case)
-        if not (case / "why").read_text().strip():
-            return ["  why is empty"]
-        return compare(want, run(program, case))
+        problems = problems_of_why(case, {} if first_with is None else first_with)
+        return problems + compare(want, run(program, case))
     except (OSError, ValueError, subprocess.TimeoutExpired) as problem:
         return [f"  {problem}"]
 
@@ -78,7 +93,8 @@ def main(words: list[str]) -> int:
         sys.stderr.write(__doc__ or "")
         return 1
     program = Program(str(Path(words[0]).resolve()), ("vorlan",))
-    return check_all(map(Path, words[1:]), lambda case: check(program, case))
+    first_with: dict[str, str] = {}
+    return check_all(map(Path, words[1:]), lambda case: check(program, case, first_with))
 
 
 if __name__ == "__main__":

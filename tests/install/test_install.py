@@ -34,12 +34,22 @@ FILES = {
 GOLDEN = sorted(str(path.parent) for path in (ROOT / "tests/golden").glob("*/cmd"))
 
 
-def install(prefix: str, destination: str) -> None:
-    """Run the target; what is built is taken as it is, and the caller's settings of make do not reach it."""
+def make(*words: str) -> None:
+    """What is built is taken as it is, and the caller's settings of make do not reach it."""
     environment = {"PATH": os.environ["PATH"], "LC_ALL": "C"}
-    subprocess.run(["make", "-C", str(ROOT), "--assume-old=build", "install", f"BUILD_DIR={BUILD}",
-                    f"PREFIX={prefix}", f"DESTDIR={destination}"],
+    subprocess.run(["make", "-C", str(ROOT), "--assume-old=build", *words],
                    check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, env=environment, umask=0o022)
+
+
+def install(prefix: str, destination: str, listed: str = "") -> None:
+    """The names of the files go to `listed`, or are lost: the list of what the user has installed stays as it is."""
+    with tempfile.NamedTemporaryFile() as lost:
+        make("install", f"BUILD_DIR={BUILD}", f"PREFIX={prefix}", f"DESTDIR={destination}",
+             f"INSTALLED={listed or lost.name}")
+
+
+def files_below(folder: Path) -> set[str]:
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir()}
 
 
 class Installed(unittest.TestCase):
@@ -85,5 +95,15 @@ class Installed(unittest.TestCase):
     def test_without_a_destination_the_prefix_is_the_place(self) -> None:
         with tempfile.TemporaryDirectory(prefix="vorlan-prefix-") as prefix:
             install(prefix, "")
-            found = {str(path.relative_to(prefix)) for path in Path(prefix).rglob("*") if not path.is_dir()}
-        self.assertEqual(found, {PROGRAM, *FILES})
+            self.assertEqual(files_below(Path(prefix)), {PROGRAM, *FILES})
+
+    def test_uninstalling_leaves_what_others_have_put_there(self) -> None:
+        with tempfile.TemporaryDirectory(prefix="vorlan-uninstall-") as folder:
+            listed = f"{folder}/installed-files"
+            install("/opt/some where", folder, listed)
+            top = Path(folder, "opt/some where")
+            (top / "share/doc/vorlan/docs/my notes.txt").write_text("kept\n")
+            make("uninstall", f"DESTDIR={folder}", f"INSTALLED={listed}")
+            self.assertEqual(files_below(Path(folder)), {"opt/some where/share/doc/vorlan/docs/my notes.txt"})
+            self.assertFalse((top / "share/doc/vorlan/examples").exists())
+            self.assertTrue((top / "bin").exists())

@@ -118,16 +118,24 @@ class Options(ProgramTest):
         outcome = self.run_with(option, str(value))
         smallest, biggest = HOLDS_32_BITS[option.kind]
         if not smallest <= value <= biggest:
-            # -1 as an unsigned number is read as the largest one: the unit lengths then do not fit together, or do.
-            expected = UNREADABLE if value >= 0 or option.kind == "int" else {0, *REFUSED}
-            self.assertIn(outcome.status, expected)
-        elif option.beyond == "refused":
+            self.assertIn(outcome.status, UNREADABLE)
+        elif option.beyond in ("refused", "wrapped"):
             self.assertIn(outcome.status, REFUSED)
         elif option.beyond == "limited":
             self.assertEqual(outcome.report, self.run_with(option, str(end)).report)
         else:
             self.assertEqual(option.beyond, "unsigned")
             self.assertIn(f"{value % 2**32} -" if value != -1 else "last sequence", outcome.report.decode("ascii"))
+
+    def test_values_that_are_wrapped_are_shown_as_what_the_manual_says_they_become(self) -> None:
+        wrapped = [option for option in NUMBERS if option.beyond == "wrapped"]
+        self.assertEqual({option.name for option in wrapped}, {"minUnitLen", "maxUnitLen"})
+        for option in wrapped:
+            partner = ["-U", "-1"] if option.name == "minUnitLen" else []
+            with self.subTest(option=option.name):
+                outcome = self.run_program(f"--{option.name}", "-5", *partner, "genome.fa")
+                self.assertEqual(outcome.status, 0)
+                self.assertRegex(outcome.report, rb"(?m)^#    M\w+ unit length: +4294967291$")
 
     def test_numbers_that_choose_are_all_described(self) -> None:
         for option in NUMBERS:

@@ -58,11 +58,11 @@ class Statuses(ProgramTest):
         documented = [int(term) for term in PAGE.entries("EXIT STATUS")]
         self.assertEqual(sorted(documented), sorted(statuses_of_the_sources() | OF_THE_LIBRARY))
 
-    def test_the_readme_knows_the_statuses_that_users_can_meet(self) -> None:
-        readme = (ROOT / "README.md").read_text(encoding="utf-8")
-        table = re.search(r"^\| status \|.*?\n\n", readme, re.DOTALL | re.MULTILINE)
-        in_readme = [int(number) for number in re.findall(r"^\| (\d+) \|", table[0], re.MULTILINE)]
-        self.assertEqual(in_readme, [int(term) for term in PAGE.entries("EXIT STATUS") if term != "2"])
+    def test_the_page_on_robustness_knows_the_statuses_that_users_can_meet(self) -> None:
+        page = (ROOT / "docs/robustness.md").read_text(encoding="utf-8")
+        table = re.search(r"^\| status \|.*?\n\n", page, re.DOTALL | re.MULTILINE)
+        in_page = [int(number) for number in re.findall(r"^\| (\d+) \|", table[0], re.MULTILINE)]
+        self.assertEqual(in_page, [int(term) for term in PAGE.entries("EXIT STATUS") if term != "2"])
 
     def test_the_messages_are_those_of_the_sources(self) -> None:
         literals = text_literals()

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <new>
 
 #include "imperfect/scoring.h"
@@ -119,6 +120,7 @@ CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, 
       glances_(starts >= kFewestStartsForGlances),
       kernel_(kernel) {
   if (!can_judge_) return;
+  assert(planes.margin() >= margin(unit_length));
   const int length = static_cast<int>(unit_length);
   glance_ = plan_of_glance(length, min_score);
   close_look_ =
@@ -149,6 +151,7 @@ void CandidateFilter::allocate() {
 
 void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   if (!can_judge_) return;
+  assert(doubt_count_ < kLanes);
   if (memory_ == nullptr) allocate();
   if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
@@ -162,6 +165,7 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
 }
 
 std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
+  assert(doubt_count_ > 0);
   const std::size_t count = std::min(doubt_count_, kLanes);
   std::copy_n(doubts_.begin(), count, survivors_.begin());
   std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());

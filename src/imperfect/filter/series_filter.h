@@ -16,6 +16,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -74,6 +75,7 @@ class SeriesFilter {
   /// The starts that survive, one bit for each residue of the series, and a word more. Requires
   /// that the unit length was judged.
   const std::uint64_t* survivors(unsigned unit_length) const {
+    assert(has_judged(unit_length));
     return survivors_.data() + (unit_length - shortest_unit_) * words_;
   }
 

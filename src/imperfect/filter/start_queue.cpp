@@ -18,6 +18,7 @@ StartQueue::StartQueue(const RecordSearch& record, std::ptrdiff_t starts, unsign
       filter_(record.planes(), unit_length, min_score, starts) {}
 
 bool StartQueue::next_block() {
+  assert(!has_block_ || blocks_.front().is_empty());
   if (has_block_) blocks_.pop_front();
   while (!has_judged_block()) {
     if (next_ < starts_ && blocks_.size() < kMostBlocks) {

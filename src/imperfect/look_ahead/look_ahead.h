@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "imperfect/leap_ahead.h"
+#include "imperfect/look_ahead/bit_look_ahead.h"
 #include "imperfect/look_ahead/merged_look_ahead.h"
 #include "imperfect/record_search.h"
 
@@ -20,16 +22,29 @@ class LookAhead {
       : scoring_(record.scoring()),
         unit_length_(unit.length()),
         is_merged_(record.accelerations().merged_look_ahead),
+        by_bits_(record.accelerations().bit_look_ahead),
+        ends_early_(record.accelerations().early_end),
         plain_(scoring_, unit, stop),
         merged_(scoring_, unit, stop, &record.planes(), record.begin(),
-                record.template memory<Direction>()) {}
+                record.template memory<Direction>()),
+        bits_(scoring_, unit, stop, &record.planes(), record.begin(), record.bit_memory()) {}
 
   /// The move of LeapAhead::best_move.
   Move best_move(const Front& front, std::int64_t score, std::uint8_t level, std::int64_t best) {
+    if (by_bits_ && level == 0) {
+      if (const std::optional<Move> move = bits_.best_move(front, score)) return *move;
+    }
     if (is_merged_ && level == 0 && merged_.can_decide(score) && !has_few_paths(score)) {
       return merged_.best_move(front, score);
     }
     return plain_.best_move(front, score, level, best).move;
+  }
+
+  /// Whether nothing behind the decision at `front` will score `goal` or more, as far as can be
+  /// proved; see comeback.h. `best` is the best score so far.
+  bool stays_below(std::int64_t goal, const Front& front, std::int64_t score, std::int64_t best) {
+    return ends_early_ &&
+           bits_.stays_below(goal, front, score, scoring_.threshold(best, unit_length_));
   }
 
  private:
@@ -47,8 +62,11 @@ class LookAhead {
   const Scoring& scoring_;
   std::ptrdiff_t unit_length_;
   bool is_merged_;
+  bool by_bits_;
+  bool ends_early_;
   LeapAhead<Direction> plain_;
   MergedLookAhead<Direction> merged_;
+  BitLookAhead<Direction> bits_;
 };
 
 }  // namespace vorlan

@@ -31,6 +31,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -45,6 +46,9 @@ namespace vorlan {
 /// Memory of the look-ahead, reused from decision to decision. Scores are relative to the decision.
 template <class Direction>
 struct MergedLookAheadMemory {
+  // An alignment consumes no more residues than a sequence has.
+  static_assert(CSequence_Mol::kMaxResidues <= std::numeric_limits<std::int32_t>::max());
+
   struct State {
     std::int32_t advance;   ///< Residues consumed since the decision.
     std::int32_t diagonal;  ///< Insertions - deletions since the decision.
@@ -88,6 +92,7 @@ class MergedLookAhead {
 
   /// See LeapAhead::best_move. Requires that it `can_decide` the score.
   Move best_move(const Front& front, std::int64_t score) {
+    assert(can_decide(score));
     origin_ = front.place;
     cursor_ = front.cursor - unit_.begin;
     relative_floor_ = static_cast<std::int32_t>(floor_ - score);

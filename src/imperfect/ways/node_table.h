@@ -10,7 +10,8 @@
 
 namespace vorlan {
 
-/// A node is named by its index.
+/// A node is named by its index, of which there are far fewer than 32 bits hold: stored ways are
+/// forgotten before.
 using NodeId = std::uint32_t;
 inline constexpr NodeId kNoNode = std::numeric_limits<NodeId>::max();
 

@@ -29,7 +29,7 @@ struct Bits {
 };
 
 void PrintTo(const Bits& bits, std::ostream* out) {
-  *out << "low " << bits.low << " high " << bits.high << " special " << bits.special;
+  *out << "low " << bits.low << " high " << bits.high << " special " << bits.no_base;
 }
 
 Bits expected_bits(const std::string& residues, std::ptrdiff_t position) {

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
+#include <ostream>
 #include <string>
 
 #include "imperfect/filter/series_filter.h"
@@ -28,13 +28,20 @@ void search_as_one_of_a_series(CSearchController& controller) {
   controller.complete_imperfect_search(nullptr);
 }
 
-/// How a search is started.
-using Search = void (*)(CSearchController&);
+/// How a search is started, with the name that its tests have.
+struct Search {
+  const char* name;
+  void (*start)(CSearchController&);
+};
 
-std::string name_of_search(std::size_t index) {
-  constexpr std::array kNames = {"Exact", "Imperfect", "ImperfectInSeries"};
-  return kNames.at(index);
-}
+void PrintTo(const Search& search, std::ostream* out) { *out << search.name; }
+
+constexpr Search kSearches[] = {
+    {"Exact", [](CSearchController& controller) { controller.exact_search_2(); }},
+    {"Imperfect",
+     [](CSearchController& controller) { controller.complete_imperfect_search(nullptr); }},
+    {"ImperfectInSeries", search_as_one_of_a_series},
+};
 
 class SearchProgress : public FreshSettings, public ::testing::WithParamInterface<Search> {
  protected:
@@ -42,7 +49,7 @@ class SearchProgress : public FreshSettings, public ::testing::WithParamInterfac
     const RecordingConsole console(true);
     Dna dna(bases);
     CSearchController controller(7, dna, console.hooks());
-    GetParam()(controller);
+    GetParam().start(controller);
     return RecordingConsole::unit_lengths();
   }
 };
@@ -58,7 +65,7 @@ TEST_P(SearchProgress, ShowsRecordNumberNameAndUnitLength) {
   Dna dna("ACGTACGTACGT", "chr1 some text");
   search_only(4);
   CSearchController controller(7, dna, console.hooks());
-  GetParam()(controller);
+  GetParam().start(controller);
   EXPECT_THAT(RecordingConsole::lines,
               ElementsAre(RecordingConsole::ProgressLine{7, "chr1", 4, 'r'}));
 }
@@ -85,19 +92,13 @@ TEST_P(SearchProgress, NothingIsShownWhenNoLineIsDue) {
   Dna dna(repeated("ACGT", 150));
   global_max_unit_length = 3;
   CSearchController controller(7, dna, console.hooks());
-  GetParam()(controller);
+  GetParam().start(controller);
   EXPECT_EQ(RecordingConsole::questions, 9);
   EXPECT_THAT(RecordingConsole::lines, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(ExactAndImperfect, SearchProgress,
-                         ::testing::Values(
-                             +[](CSearchController& controller) { controller.exact_search_2(); },
-                             +[](CSearchController& controller) {
-                               controller.complete_imperfect_search(nullptr);
-                             },
-                             search_as_one_of_a_series),
-                         [](const auto& test) { return name_of_search(test.index); });
+INSTANTIATE_TEST_SUITE_P(ExactAndImperfect, SearchProgress, ::testing::ValuesIn(kSearches),
+                         [](const auto& test) { return test.param.name; });
 
 using ExactSearchProgress = FreshSettings;
 

@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The look-ahead by numbers of edits against the one path by path, and the proof that an extension
+// is over against all paths that it could go.
+
+#include "imperfect/look_ahead/bit_look_ahead.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "all_strings.h"
+#include "description.h"
+#include "extension_settings.h"
+#include "imperfect/leap_ahead.h"
+#include "random.h"
+#include "random_residues.h"
+#include "support/dna.h"
+#include "support/fresh_settings.h"
+
+namespace vorlan {
+namespace {
+
+using differential::Random;
+using reference::Settings;
+
+const char* stop_of(Forward, const Dna& dna) { return dna.end(); }
+const char* stop_of(Backward, const Dna& dna) { return dna.at(0); }
+
+/// The highest score behind an edit that any path of an extension reaches, by trying all of them. A
+/// state that was visited with at least this score leads nowhere new.
+template <class Direction>
+class AllPaths {
+ public:
+  AllPaths(const Scoring& settings, UnitSpan unit, const char* stop, std::int64_t threshold)
+      : settings_(settings), unit_(unit), stop_(stop), threshold_(threshold) {}
+
+  std::int64_t highest_from(const char* place, const char* cursor, std::int64_t score) {
+    highest_ = threshold_;
+    edit(place, cursor, score);
+    return highest_;
+  }
+
+ private:
+  void edit(const char* place, const char* cursor, std::int64_t score) {
+    const char* next_place = Direction::next(place);
+    const char* next_cursor = Direction::next_unit_base(cursor, unit_);
+    visit(next_place, next_cursor, score + settings_.mismatch_score);
+    visit(next_place, cursor, score + settings_.indel_score);
+    visit(place, next_cursor, score + settings_.indel_score);
+  }
+
+  void visit(const char* place, const char* cursor, std::int64_t score) {
+    if (score <= threshold_) return;
+    const auto [known, is_new] = visited_.try_emplace({place, cursor}, score);
+    if (!is_new && known->second >= score) return;
+    known->second = score;
+    const bool goes_on = walk(place, cursor, score);
+    highest_ = std::max(highest_, score);
+    if (goes_on) edit(place, cursor, score);
+  }
+
+  // As the extension does: a run of N that is too long ends it.
+  bool walk(const char*& place, const char*& cursor, std::int64_t& score) const {
+    std::ptrdiff_t run = 0;
+    for (; !Direction::at_stop(place, stop_); place = Direction::next(place)) {
+      const char residue = *Direction::residue(place);
+      const bool is_bridged = residue == 'N' && settings_.longest_N_run != 0;
+      if (!is_bridged && residue != *cursor) return true;
+      run = is_bridged ? run + 1 : 0;
+      if (run > settings_.longest_N_run) return false;
+      if (!is_bridged) ++score;
+      cursor = Direction::next_unit_base(cursor, unit_);
+    }
+    return false;
+  }
+
+  const Scoring& settings_;
+  UnitSpan unit_;
+  const char* stop_;
+  std::int64_t threshold_;
+  std::int64_t highest_ = 0;
+  std::map<std::pair<const char*, const char*>, std::int64_t> visited_;
+};
+
+template <class Direction>
+class BitLookAheadTest : public FreshSettings {
+ protected:
+  /// A text with a unit in it, and its planes.
+  struct Case {
+    Case(const std::string& text, std::size_t unit_begin, std::size_t unit_length)
+        : dna(text),
+          planes(dna.at(0), text.size(), DiagonalMasks<Direction>::kMargin),
+          unit{dna.at(static_cast<std::ptrdiff_t>(unit_begin)),
+               dna.at(static_cast<std::ptrdiff_t>(unit_begin + unit_length))},
+          stop(stop_of(Direction{}, dna)) {}
+
+    Dna dna;
+    BitPlanes planes;
+    UnitSpan unit;
+    const char* stop;
+    mutable BitLookAheadMemory memory{};
+  };
+
+  /// The decision at each place with each cursor, if it is one, with scores from the floor up.
+  template <class Check>
+  void for_each_decision(const Case& given, int highest_score, const Check& check) {
+    const Scoring settings = Scoring::of_the_run();
+    const std::int64_t floor = settings.threshold(0, given.unit.length());
+    for (const char* place = given.dna.at(0); place <= given.dna.end(); ++place) {
+      if (place == given.stop) continue;
+      const char residue = *Direction::residue(place);
+      if (residue == 'N' && settings.longest_N_run != 0) continue;
+      for (const char* cursor = given.unit.begin; cursor != given.unit.end; ++cursor) {
+        if (residue == *cursor) continue;
+        for (std::int64_t score = floor; score <= floor + highest_score; ++score) {
+          check(place, cursor, score);
+          if (testing::Test::HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+
+  void compare_moves(const Case& given, int highest_score) {
+    const Scoring settings = Scoring::of_the_run();
+    const LeapAhead<Direction> plain(settings, given.unit, given.stop);
+    BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
+                                 given.memory);
+    for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
+      const auto move = bits.best_move(place, cursor, score);
+      if (!move) return;
+      ++told_;
+      const Move expected = plain.best_move(place, cursor, score, 0, score).move;
+      ++chosen_[static_cast<std::size_t>(expected)];
+      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
+          << "place " << place - given.dna.at(0) << " cursor " << cursor - given.unit.begin
+          << " score " << score;
+    });
+  }
+
+  /// Whatever is said to stay below a goal does, for goals at and around the score.
+  void check_proofs(const Case& given, int highest_score) {
+    const Scoring settings = Scoring::of_the_run();
+    BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
+                                 given.memory);
+    for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
+      const std::int64_t threshold = settings.threshold(score, given.unit.length());
+      AllPaths<Direction> all(settings, given.unit, given.stop, threshold);
+      const std::int64_t highest = all.highest_from(place, cursor, score);
+      for (std::int64_t goal = score - 2; goal <= score + 3; ++goal) {
+        const bool stays_below = bits.stays_below(goal, place, cursor, score, threshold);
+        if (stays_below) {
+          ++proofs_;
+          ASSERT_LT(highest, goal) << "place " << place - given.dna.at(0) << " cursor "
+                                   << cursor - given.unit.begin << " score " << score;
+        } else if (highest > threshold && highest < goal) {
+          ++missed_proofs_;
+        }
+      }
+    });
+  }
+
+  /// All texts up to a length, with all units of up to three bases in them.
+  template <class Check>
+  void for_each_short_case(std::string_view alphabet, std::size_t longest_text,
+                           const Check& check) {
+    differential::for_each_string_up_to(alphabet, longest_text, [&](const std::string& text) {
+      for (std::size_t length = 1; length <= std::min<std::size_t>(3, text.size()); ++length) {
+        for (std::size_t begin = 0; begin + length <= text.size(); ++begin) {
+          if (text.substr(begin, length).find('N') != std::string::npos) continue;
+          check(Case(text, begin, length));
+          if (testing::Test::HasFailure()) {
+            ADD_FAILURE() << text << " unit at " << begin << ", length " << length;
+            return false;
+          }
+        }
+      }
+      return true;
+    });
+  }
+
+  template <class Check>
+  void for_each_setting(const Check& check) {
+    constexpr std::array<std::array<int, 3>, 5> kScores = {
+        {{-2, -2, 1}, {-2, -7, 0}, {-6, -2, 1}, {-5, -5, 1}, {-3, -4, 0}}};
+    for (const auto& [mismatch, indel, prefer_longer] : kScores) {
+      Settings settings;
+      settings.mismatch_score = mismatch;
+      settings.indel_score = indel;
+      settings.prefer_longer_repeat = prefer_longer;
+      check(settings);
+      ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+    }
+  }
+
+  /// A text that resembles its unit on several diagonals: diverged copies, few bases around them.
+  Case random_case(Random& random) {
+    const auto alphabet = random.one_of<std::string_view>({"AT", "AAT", "ACGT", "ACGT"});
+    const std::size_t length = random.per_cent(80) ? 1 + random.below(9) : 1 + random.below(130);
+    const std::string unit = differential::random_residues(random, length, alphabet);
+    const std::string array = differential::array_of(unit, random.below(200));
+    std::string text = unit + differential::diverged(random, array, random.between(0, 250));
+    const std::size_t begin = random.below(40);
+    text = differential::random_residues(random, begin, alphabet) + text +
+           differential::random_residues(random, random.below(60), alphabet);
+    if (random.per_cent(20)) {
+      std::string rest = text.substr(begin + length);
+      if (!rest.empty()) differential::overwrite_with_Ns(random, rest, 1, 4);
+      text.replace(begin + length, std::string::npos, rest);
+    }
+    return Case(text, begin, length);
+  }
+
+  /// A decision anywhere in a random text.
+  template <class Check>
+  void for_random_decisions(Random& random, const Case& given, const Check& check) {
+    const Scoring settings = Scoring::of_the_run();
+    const std::int64_t floor = settings.threshold(0, given.unit.length());
+    const auto residues = static_cast<std::size_t>(given.dna.end() - given.dna.at(0));
+    for (int i = 0; i < 20; ++i) {
+      const char* place = given.dna.at(static_cast<std::ptrdiff_t>(random.below(residues + 1)));
+      if (place == given.stop) continue;
+      const char* cursor =
+          given.unit.begin + random.below(static_cast<std::size_t>(given.unit.length()));
+      const char residue = *Direction::residue(place);
+      if (residue == *cursor || (residue == 'N' && settings.longest_N_run != 0)) continue;
+      check(place, cursor, floor + random.between(0, 40));
+      ASSERT_FALSE(testing::Test::HasFailure())
+          << std::string_view(given.dna.at(0), residues) << " unit at "
+          << given.unit.begin - given.dna.at(0) << ", length " << given.unit.length();
+    }
+  }
+
+  long told_ = 0;
+  std::array<long, 4> chosen_{};
+  long proofs_ = 0;
+  long missed_proofs_ = 0;
+};
+
+using Directions = testing::Types<Forward, Backward>;
+TYPED_TEST_SUITE(BitLookAheadTest, Directions);
+
+#ifdef VORLAN_FAST_PATH_REDUCED
+constexpr std::size_t kShorter = 2;
+#else
+constexpr std::size_t kShorter = 0;
+#endif
+
+TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInAllShortTexts) {
+  this->for_each_setting([&](Settings settings) {
+    for (const int depth : {1, 2, 3, 5, 7, 8}) {
+      settings.maximum_recursion_depth = depth;
+      use(settings);
+      const auto compare = [&](const auto& given) { this->compare_moves(given, 11); };
+      this->for_each_short_case("AC", (depth > 3 ? 6 : 7) - kShorter, compare);
+      this->for_each_short_case("ACN", 4 - kShorter / 2, compare);
+    }
+  });
+  for (const long times : this->chosen_) EXPECT_GT(times, 1000);
+}
+
+TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
+  for (int seed = 0; seed < 250 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(static_cast<std::uint64_t>(seed));
+    Settings settings = random_unlimited_settings(random);
+    settings.mismatch_score = random.between(-6, -2);
+    settings.indel_score = random.between(-6, -2);
+    if (random.per_cent(10)) settings.maximum_recursion_depth = random.between(6, 8);
+    use(settings);
+    const auto given = this->random_case(random);
+    const Scoring alignment;
+    const LeapAhead<TypeParam> plain(alignment, given.unit, given.stop);
+    BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
+                                 given.memory);
+    this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
+      const auto move = bits.best_move(place, cursor, score);
+      if (!move) return;
+      ++this->told_;
+      const Move expected = plain.best_move(place, cursor, score, 0, score).move;
+      ++this->chosen_[static_cast<std::size_t>(expected)];
+      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected)) << "score " << score;
+    });
+    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+  }
+  for (const long times : this->chosen_) EXPECT_GT(times, 20);
+}
+
+TYPED_TEST(BitLookAheadTest, LeavesDecisionsToOthersWhenTheScoreReductionIsLimited) {
+  Settings settings;
+  settings.maximum_scorereduction = 20;
+  use(settings);
+  const typename TestFixture::Case given("ACACACACTCACACAC", 4, 2);
+  const Scoring alignment;
+  BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
+                               given.memory);
+  EXPECT_FALSE(bits.best_move(given.dna.at(8), given.unit.begin, 10));
+}
+
+TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInAllShortTexts) {
+  this->for_each_setting([&](Settings settings) {
+    for (const int reduction : {kNoScoreLimit, 6}) {
+      settings.maximum_scorereduction = reduction;
+      use(settings);
+      const auto check = [&](const auto& given) { this->check_proofs(given, 9); };
+      this->for_each_short_case("AC", 6 - kShorter, check);
+      this->for_each_short_case("ACN", 4 - kShorter / 2, check);
+    }
+  });
+  EXPECT_GT(this->proofs_, 10 * this->missed_proofs_);
+}
+
+TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInDivergedArrays) {
+  for (int seed = 0; seed < 150 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(static_cast<std::uint64_t>(seed));
+    Settings settings = random_unlimited_settings(random);
+    if (random.per_cent(30)) settings.maximum_scorereduction = random.between(5, 40);
+    use(settings);
+    const auto given = this->random_case(random);
+    const Scoring alignment;
+    BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
+                                 given.memory);
+    this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
+      const std::int64_t threshold = alignment.threshold(score, given.unit.length());
+      const std::int64_t goal = score + random.between(-1, 10);
+      const bool stays_below = bits.stays_below(goal, place, cursor, score, threshold);
+      AllPaths<TypeParam> all(alignment, given.unit, given.stop, threshold);
+      const std::int64_t highest = all.highest_from(place, cursor, score);
+      if (stays_below) {
+        ++this->proofs_;
+        ASSERT_LT(highest, goal) << "score " << score;
+      } else if (highest > threshold && highest < goal) {
+        ++this->missed_proofs_;
+      }
+    });
+    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+  }
+  EXPECT_GT(this->proofs_, this->missed_proofs_);
+}
+
+}  // namespace
+}  // namespace vorlan
