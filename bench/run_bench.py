@@ -22,6 +22,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 
 import long_unit_works
+import tuned_constants
 import workloads
 from bench import DEFAULT_RUNS, GROWTH_RUNS, KERNELS, SURVIVAL, SWITCHES, VORLAN, Bench
 from environment import BENCH, commit, compiler, machine
@@ -64,7 +65,7 @@ def store(text: str, date: datetime.date, parts: list[str]) -> Path:
 def row_names() -> list[str]:
     lists = [workloads.comparisons, workloads.growths, workloads.memories, workloads.throughputs,
              workloads.engine_works, long_unit_works.faster_than_before, long_unit_works.against_short_units,
-             long_unit_works.growths, long_unit_works.memories, long_unit_works.survivals]
+             long_unit_works.growths, long_unit_works.memories, long_unit_works.survivals, tuned_constants.constants]
     return list(dict.fromkeys(row.name for rows in lists for row in rows(1)))
 
 

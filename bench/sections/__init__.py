@@ -14,6 +14,7 @@ from .alone import growth, long_units, memory, speed
 from .comparisons import before, not_slower, plain
 from .kernels import kernels
 from .survival import survival
+from .tuning import tuning
 
 SECTIONS: dict[str, Callable[[Bench], list[Table]]] = {
     "plain": plain,
@@ -26,6 +27,7 @@ SECTIONS: dict[str, Callable[[Bench], list[Table]]] = {
     "long-units": long_units,
     "survival": survival,
     "kernels": kernels,
+    "tuning": tuning,
 }
 # Those that need the program of an earlier commit.
 WITH_YARDSTICK = ("before", "not-slower")
