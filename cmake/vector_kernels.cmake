@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: the Vorlan authors
 
-# Adds SOURCE to TARGET once for each instruction set that the architecture has. Each copy defines
-# its functions in the namespace VORLAN_FILTER_LEVEL; which one runs is chosen at run time.
-function(vorlan_add_vector_kernel target source)
+# Adds the sources to TARGET once for each instruction set that the architecture has. Each copy
+# defines its functions in the namespace VORLAN_FILTER_LEVEL; which one runs is chosen at run time.
+function(vorlan_add_vector_kernels target)
   set(levels portable)
   if(NOT VORLAN_PORTABLE_ONLY AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
     list(APPEND levels avx2 avx512)
@@ -14,7 +14,7 @@ function(vorlan_add_vector_kernel target source)
   set(flags_avx512 -mavx512f -mavx512bw -mbmi2)
   foreach(level IN LISTS levels)
     set(object ${target}_kernel_${level})
-    add_library(${object} OBJECT ${source})
+    add_library(${object} OBJECT ${ARGN})
     target_include_directories(${object} PRIVATE ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${object} PRIVATE vorlan_compile_options)
     target_compile_definitions(${object} PRIVATE VORLAN_FILTER_LEVEL=${level})

@@ -22,6 +22,8 @@
 // unit are closed. Of all starts in the span only the first may be tried again, with a unit that
 // ends at G, since the mark before the repeat is open, too.
 //
+// ACACACAGACACA, one base shorter, reaches 5 points, one too few: rejected, all marks stay open.
+//
 // Marks last from unit length 2 to the longest: a repeat of AC closes its span for ACAC. Only the
 // pass for unit length 1 is forgotten: runs of one base must not hide longer units.
 

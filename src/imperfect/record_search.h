@@ -29,6 +29,10 @@ struct Thresholds {
 /// Events on demand: of the thousands of long alignments that an array yields nearly all are
 /// removed again. An alignment is a function of its start, so those with many edits do not note
 /// their events; `complete_events` makes the alignments of the repeats that stay once more.
+///
+/// Example: an array of AC, 41 perfect bases and then 65 mismatches, each with 19 perfect bases
+/// behind it. The first extension walks up to the first mismatch and passes over the way from
+/// there: accepted, but its 65 events are pending. With 64 mismatches all events are noted at once.
 class RecordSearch {
  public:
   /// For the record with these residues, which must outlive this, and units of up to
@@ -36,6 +40,7 @@ class RecordSearch {
   RecordSearch(std::string_view residues, unsigned longest_unit, SeedKind seed,
                const Accelerations& accelerations);
 
+  std::string_view residues() const { return residues_; }
   const char* begin() const { return residues_.data(); }
   const char* end() const { return residues_.data() + residues_.size(); }
 

@@ -14,6 +14,7 @@ struct Accelerations {
   bool run_samples = true;        ///< search/run_samples.h
   bool exact_filter = true;       ///< search/exact_filter.h
   bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
+  bool wraparound = true;         ///< imperfect/wraparound/wraparound_kernel.h
   bool series_filter = true;      ///< imperfect/filter/series_filter.h
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
   bool bit_look_ahead = true;     ///< imperfect/look_ahead/furthest_places.h
@@ -26,6 +27,7 @@ struct Accelerations {
     return {.run_samples = false,
             .exact_filter = false,
             .candidate_filter = false,
+            .wraparound = false,
             .series_filter = false,
             .early_end = false,
             .bit_look_ahead = false,
@@ -45,6 +47,7 @@ inline constexpr NamedAcceleration kAccelerations[] = {
     {"run_samples", &Accelerations::run_samples},
     {"exact_filter", &Accelerations::exact_filter},
     {"candidate_filter", &Accelerations::candidate_filter},
+    {"wraparound", &Accelerations::wraparound},
     {"series_filter", &Accelerations::series_filter},
     {"early_end", &Accelerations::early_end},
     {"bit_look_ahead", &Accelerations::bit_look_ahead},

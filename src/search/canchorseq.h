@@ -31,6 +31,9 @@ class CAnchorSeq {
   ///     marks      before|first ...  last|after
   ///     open       first and last, or before and last, or first and after
   ///
+  /// Example, unit length 2: when only residue 2 is closed, starts 1 and 2 may be tried, shifted
+  /// off it. When residues 2 and 3 are closed, starts 1, 2 and 3 may not.
+  ///
   /// Bits for starts without room in the sequence are without meaning. Requires that the first of
   /// the starts has room.
   std::uint64_t may_anchor(std::ptrdiff_t word, std::size_t unit_length) const {

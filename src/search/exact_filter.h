@@ -18,7 +18,8 @@ namespace vorlan {
 /// worth an extension. An N that may be bridged counts as equal: that makes runs longer, never
 /// shorter.
 ///
-/// Example, u = 2, minimum score 4: GACACACT has equal pairs at 1 to 4, a run of 4: starts 1 to 5.
+/// Example, u = 2, minimum score 4: GACACACT has equal pairs at 1 to 4, a run of 4: starts 1 to 5
+/// are left. GACACATT has a run of 3 only, at 1 to 3: no start is left.
 class ExactFilter {
  public:
   /// For units of `unit_length` bases that need `min_score`; one of 0 or less rejects nothing.

@@ -12,8 +12,10 @@
 // of AT. Repeats that are kept but would not be printed leave the mask open and are found again
 // from each start inside them, every time with another phase of the unit.
 //
-// Example, u = 2: in GACACACT the start at the first A gives the unit AC, extended to ACACAC: 6
-// bases, of which the first copy earns nothing: score 4. The starts inside it are closed.
+// Example, u = 2, minimum score 4: in GACACACT the start at the first A gives the unit AC, extended
+// to ACACAC: 6 bases, of which the first copy earns nothing: score 4. The repeat is kept, and the
+// starts inside it are closed. If it were not to be printed, each of its five starts would find it.
+// In GACACATT the same start gives ACACA, score 3: nothing is kept, and nothing closed.
 
 #include "config/settings.h"
 #include "search/bit_planes.h"

@@ -11,6 +11,8 @@
 //
 // Example: [100, 160) with unit 2 and [110, 150) with unit 4 overlap by 40 bases; 40 < 40 + 4, so
 // the second is mostly hidden. If it has the higher score, the first goes although it is longer.
+// [100, 160) with unit 2 and [150, 190) with unit 3 overlap by 10 bases only: 60 >= 10 + 2 and
+// 40 >= 10 + 3, so neither is mostly hidden, and both stay.
 
 #include <algorithm>
 #include <cstdint>

@@ -155,8 +155,8 @@ bool works_in(const vorlan::NamedAcceleration& engine, Mode mode) {
     case Mode::kExact:
       return is(&Accelerations::run_samples) || is(&Accelerations::exact_filter);
     case Mode::kExtendExact:
-      return !is(&Accelerations::candidate_filter) && !is(&Accelerations::series_filter) &&
-             !is(&Accelerations::late_marks);
+      return !is(&Accelerations::candidate_filter) && !is(&Accelerations::wraparound) &&
+             !is(&Accelerations::series_filter) && !is(&Accelerations::late_marks);
     case Mode::kImperfect:
       break;
   }

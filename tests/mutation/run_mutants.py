@@ -9,7 +9,9 @@ The faults stand in mutants.toml. Each is planted in a copy of the tree under bu
 built again as far as needed; then the tests that `make test` runs are run up to the first red one,
 quick layers first. A run takes long, so faults that were caught in the same source are remembered
 in build/mutants/caught.json: an interrupted run goes on where it ended. Prints, and with --write
-stores, a table. Status 1 if a fault survives without a stated reason, or is caught although there
+stores, a table: which test of which layer caught each, and how long it took from the fault to the
+red test, building included. Every source file must have a fault, unless mutants.toml says that it
+holds no code. Status 1 if a fault survives without a stated reason, or is caught although there
 is one; 2 if the list of faults does not fit the tree.
 
     --only TEXT    only faults whose file or name holds TEXT
@@ -28,9 +30,10 @@ import resource
 import shutil
 import subprocess
 import sys
+import time
 import tomllib
-from collections.abc import Sequence
-from dataclasses import dataclass
+from collections.abc import Mapping, Sequence
+from dataclasses import asdict, dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -124,13 +127,35 @@ class Mutant:
         return text.replace(self.original, self.replacement)
 
 
+@dataclass(frozen=True)
+class Catch:
+    """A fault that was noticed: the test that was red, its layer (a folder of tests), and how long that took."""
+
+    test: str
+    layer: str
+    seconds: int
+
+
+# A fault, and how it was noticed, if it was.
+Result = tuple[Mutant, Catch | None]
+
+
 class ListError(Exception):
     """The list of faults does not fit the tree."""
 
 
-def read_mutants(path: Path) -> list[Mutant]:
+@dataclass(frozen=True)
+class FaultList:
+    """What mutants.toml holds: the faults, and the source files without code with the reason."""
+
+    mutants: Sequence[Mutant]
+    without_code: Mapping[str, str]
+
+
+def read_list(path: Path) -> FaultList:
     with path.open("rb") as file:
-        return [Mutant(**entry) for entry in tomllib.load(file)["mutant"]]
+        content = tomllib.load(file)
+    return FaultList([Mutant(**entry) for entry in content["mutant"]], content["without_code"])
 
 
 def problems_of(mutant: Mutant, root: Path) -> list[str]:
@@ -142,15 +167,25 @@ def problems_of(mutant: Mutant, root: Path) -> list[str]:
     return problems if mutant.original != mutant.replacement else [*problems, "changes nothing"]
 
 
-def check_list(mutants: Sequence[Mutant], root: Path) -> None:
-    """Raise ListError unless each fault can be planted and every folder of the source has some."""
+def spared_files(faults: FaultList, root: Path) -> list[str]:
+    """What is wrong with the source files that have no fault, and with the list of those without code."""
+    with_faults = {mutant.file for mutant in faults.mutants}
+    sources = {path.relative_to(root).as_posix() for path in (root / "src").rglob("*") if path.is_file()}
+    problems = [f"no fault in {file}" for file in sorted(sources - with_faults - faults.without_code.keys())]
+    problems += [f"said to be without code, but with a fault: {file}"
+                 for file in sorted(with_faults & faults.without_code.keys())]
+    return problems + [f"said to be without code, but not there: {file}"
+                       for file in sorted(faults.without_code.keys() - sources)]
+
+
+def check_list(faults: FaultList, root: Path) -> None:
+    """Raise ListError unless each fault can be planted and every source file with code has some."""
+    mutants = faults.mutants
     problems = [f"{mutant.file}: {mutant.name}: {problem}"
                 for mutant in mutants for problem in problems_of(mutant, root)]
     names = [mutant.name for mutant in mutants]
     problems += [f"twice: {name}" for name in sorted({name for name in names if names.count(name) > 1})]
-    folders = {folder.name for folder in (root / "src").iterdir() if folder.is_dir()}
-    spared = folders - {Path(mutant.file).parts[1] for mutant in mutants}
-    problems += [f"no fault in src/{folder}" for folder in sorted(spared)]
+    problems += spared_files(faults, root)
     if len(mutants) < FEWEST_MUTANTS:
         problems.append(f"only {len(mutants)} faults: the list must not shrink unnoticed")
     if problems:
@@ -182,62 +217,77 @@ def build(targets: Sequence[str]) -> subprocess.CompletedProcess[str]:
     return subprocess.run(command, capture_output=True, text=True, check=False)
 
 
-def catcher() -> str | None:
-    """A test that notices what is planted in the copy, or None."""
+def catcher() -> tuple[str, str] | None:
+    """A test that notices what is planted in the copy, and its layer, or None."""
     compiled = build(["vorlan"])
     if compiled.returncode != 0:
         raise ListError(f"the program cannot be compiled:\n{compiled.stdout[-2000:]}")
     for stage in stages():
         # After linking, test programs are asked for their tests: one that cannot answer is red.
         if build(stage.targets).returncode != 0:
-            return f"{stage.folder}: the tests cannot be listed"
+            return "the tests cannot be listed", stage.folder
         # Red twice: on a busy machine a test may miss its time limit.
         if stage.red_tests() and (red := stage.red_tests()):
-            return red[0]
+            return red[0], stage.folder
     return None
 
 
-def try_mutant(mutant: Mutant) -> str | None:
+def try_mutant(mutant: Mutant) -> Catch | None:
     path = TREE / mutant.file
     text = path.read_text()
     path.write_text(mutant.mutated(text))
+    planted_at = time.monotonic()
     try:
-        return catcher()
+        red = catcher()
+        return red and Catch(*red, round(time.monotonic() - planted_at))
     except ListError as problem:
         raise ListError(f"{mutant.file}: {mutant.name}: {problem}") from problem
     finally:
         path.write_text(text)
 
 
-def is_as_stated(mutant: Mutant, caught_by: str | None) -> bool:
-    return (caught_by is None) == bool(mutant.equivalent)
+def is_as_stated(mutant: Mutant, catch: Catch | None) -> bool:
+    return (catch is None) == bool(mutant.equivalent)
 
 
-def outcome_text(mutant: Mutant, caught_by: str | None) -> str:
-    if caught_by is None:
+def outcome_text(mutant: Mutant, catch: Catch | None) -> str:
+    if catch is None:
         return f"equivalent: {mutant.equivalent}" if mutant.equivalent else "**survived**"
-    return f"{caught_by} (**but said to be equivalent**)" if mutant.equivalent else caught_by
+    return f"{catch.test} (**but said to be equivalent**)" if mutant.equivalent else catch.test
 
 
-def table(results: Sequence[tuple[Mutant, str | None]]) -> str:
-    lines = ["| file | fault | caught by |", "|---|---|---|"]
-    lines += [f"| `{mutant.file.removeprefix('src/')}` | {mutant.name} | {outcome_text(mutant, caught_by)} |"
-              for mutant, caught_by in results]
+def table(results: Sequence[Result]) -> str:
+    lines = ["| file | fault | caught by | layer | seconds |", "|---|---|---|---|---|"]
+    for mutant, catch in results:
+        layer, seconds = (catch.layer.removeprefix("tests/"), str(catch.seconds)) if catch else ("", "")
+        lines.append(f"| `{mutant.file.removeprefix('src/')}` | {mutant.name} | {outcome_text(mutant, catch)} "
+                     f"| {layer} | {seconds} |")
     return "\n".join(lines) + "\n"
 
 
-def summary(results: Sequence[tuple[Mutant, str | None]]) -> str:
-    caught = sum(caught_by is not None for _, caught_by in results)
-    equivalent = sum(caught_by is None and bool(mutant.equivalent) for mutant, caught_by in results)
+def layers(results: Sequence[Result]) -> str:
+    """How many faults each layer of tests caught, and how long they took."""
+    catches = [catch for _, catch in results if catch]
+    lines = ["| layer | faults caught | seconds, median | seconds, most |", "|---|---|---|---|"]
+    for layer in dict.fromkeys(sorted((catch.layer for catch in catches), key=len)):
+        seconds = sorted(catch.seconds for catch in catches if catch.layer == layer)
+        lines.append(f"| {layer.removeprefix('tests/')} | {len(seconds)} | {seconds[len(seconds) // 2]} "
+                     f"| {seconds[-1]} |")
+    return "\n".join(lines) + "\n"
+
+
+def summary(results: Sequence[Result]) -> str:
+    caught = sum(catch is not None for _, catch in results)
+    equivalent = sum(catch is None and bool(mutant.equivalent) for mutant, catch in results)
     return (f"{len(results)} faults, {caught} caught, {equivalent} equivalent, "
             f"{len(results) - caught - equivalent} survived")
 
 
-def document(results: Sequence[tuple[Mutant, str | None]]) -> str:
+def document(results: Sequence[Result]) -> str:
     commit = output_of("git", "describe", "--always", "--dirty", "--abbrev=10").strip()
     compiler = output_of("c++", "--version").splitlines()[0]
     return (f"# Planted faults\n\n{summary(results)}.\n\n{datetime.date.today()}, commit {commit}, {compiler}, -O1; "
-            f"written by `make mutants`.\n\n{table(results)}")
+            f"written by `make mutants`.\n\n{layers(results)}\n{table(results)}")
 
 
 def digest_of(root: Path) -> str:
@@ -253,7 +303,7 @@ def require_green_tests() -> None:
     if GREEN.exists() and GREEN.read_text() == digest:
         return
     if red := catcher():
-        raise RuntimeError(f"without any fault a test is red: {red}")
+        raise RuntimeError(f"without any fault a test is red: {red[0]}")
     GREEN.write_text(digest)
 
 
@@ -262,12 +312,17 @@ def key_of(mutant: Mutant, source: str) -> str:
     return hashlib.sha256(repr((mutant.file, mutant.original, mutant.replacement, source)).encode()).hexdigest()
 
 
-def read_caught() -> dict[str, str]:
-    caught: dict[str, str] = json.loads(CAUGHT.read_text()) if CAUGHT.exists() else {}
-    return caught
+def read_caught() -> dict[str, Catch]:
+    content = json.loads(CAUGHT.read_text()) if CAUGHT.exists() else {}
+    # What was remembered before layers and times were is forgotten.
+    return {key: Catch(**entry) for key, entry in content.items() if isinstance(entry, dict)}
 
 
-def run(mutants: Sequence[Mutant], caught: dict[str, str]) -> list[tuple[Mutant, str | None]]:
+def write_caught(caught: Mapping[str, Catch]) -> None:
+    CAUGHT.write_text(json.dumps({key: asdict(catch) for key, catch in caught.items()}))
+
+
+def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
     """Which test catches each; those in `caught`, by key, are known already, and new ones are added."""
     copy_tree()
     subprocess.run(CONFIGURE, check=True, stdout=subprocess.DEVNULL)
@@ -276,12 +331,13 @@ def run(mutants: Sequence[Mutant], caught: dict[str, str]) -> list[tuple[Mutant,
     results = []
     for mutant in mutants:
         key = key_of(mutant, source)
-        red = caught.get(key) or try_mutant(mutant)
-        if red is not None:
-            caught[key] = red
-            CAUGHT.write_text(json.dumps(caught))
-        results.append((mutant, red))
-        print(f"{mutant.file}: {mutant.name}: {outcome_text(mutant, red)}", flush=True)
+        catch = caught.get(key) or try_mutant(mutant)
+        if catch is not None:
+            caught[key] = catch
+            write_caught(caught)
+        results.append((mutant, catch))
+        after = f" ({catch.layer}, {catch.seconds} s)" if catch else ""
+        print(f"{mutant.file}: {mutant.name}: {outcome_text(mutant, catch)}{after}", flush=True)
     return results
 
 
@@ -296,9 +352,9 @@ def main(words: Sequence[str]) -> int:
     if options.only and options.write:
         parser.error("--write needs a run with all faults")
     try:
-        mutants = read_mutants(Path(__file__).with_name("mutants.toml"))
-        check_list(mutants, ROOT)
-        chosen = [mutant for mutant in mutants if options.only in f"{mutant.file} {mutant.name}"]
+        faults = read_list(Path(__file__).with_name("mutants.toml"))
+        check_list(faults, ROOT)
+        chosen = [mutant for mutant in faults.mutants if options.only in f"{mutant.file} {mutant.name}"]
         results = run(chosen, {} if options.again else read_caught())
     except ListError as problem:
         print(problem, file=sys.stderr)

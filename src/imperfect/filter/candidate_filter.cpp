@@ -155,6 +155,10 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
   if (memory_ == nullptr) allocate();
   if (!glances_) return kernel_.judge_block(close_look_, planes_, first_word, buffers_, candidates);
   kernel_.judge_block(glance_, planes_, first_word, buffers_, candidates);
+  doubt_all(first_word, candidates);
+}
+
+void CandidateFilter::doubt_all(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   for (std::size_t i = 0; i < kFilterWords; ++i) {
     const std::ptrdiff_t begin = (first_word + static_cast<std::ptrdiff_t>(i)) * kBitsPerWord;
     for (std::uint64_t left = candidates[i]; left != 0; left &= left - 1) {
@@ -164,12 +168,19 @@ void CandidateFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidate
   }
 }
 
-std::span<const std::ptrdiff_t> CandidateFilter::look_closely() {
-  assert(doubt_count_ > 0);
-  const std::size_t count = std::min(doubt_count_, kLanes);
-  std::copy_n(doubts_.begin(), count, survivors_.begin());
-  std::copy_n(doubts_.begin() + kLanes, doubt_count_ - count, doubts_.begin());
+std::span<std::ptrdiff_t> CandidateFilter::take_doubts(std::size_t most) {
+  assert(most <= kLanes);
+  const std::size_t count = std::min(doubt_count_, most);
+  const auto taken_end = doubts_.begin() + static_cast<std::ptrdiff_t>(count);
+  std::copy(doubts_.begin(), taken_end, survivors_.begin());
+  std::copy_n(taken_end, doubt_count_ - count, doubts_.begin());
   doubt_count_ -= count;
+  return {survivors_.data(), count};
+}
+
+std::span<std::ptrdiff_t> CandidateFilter::look_closely() {
+  assert(doubt_count_ > 0);
+  const std::size_t count = take_doubts(kLanes).size();
   const bool is_worth_it = close_look_.unit_length > kShortUnit || count >= kFewestToLookAt;
   return {survivors_.data(), is_worth_it ? keep_survivors(count) : count};
 }
@@ -193,12 +204,14 @@ std::size_t CandidateFilter::keep_survivors(std::size_t count) {
 namespace {
 
 std::vector<FilterKernel> kernels_of_this_processor() {
-  std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts}};
+  std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts, "portable"}};
 #ifdef VORLAN_X86_KERNELS
   if (!__builtin_cpu_supports("bmi2")) return kernels;
-  if (__builtin_cpu_supports("avx2")) kernels.push_back({avx2::judge_block, avx2::judge_starts});
+  if (__builtin_cpu_supports("avx2")) {
+    kernels.push_back({avx2::judge_block, avx2::judge_starts, "avx2"});
+  }
   if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
-    kernels.push_back({avx512::judge_block, avx512::judge_starts});
+    kernels.push_back({avx512::judge_block, avx512::judge_starts, "avx512"});
   }
 #endif
   return kernels;

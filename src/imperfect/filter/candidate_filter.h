@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -41,6 +42,15 @@ class CandidateFilter {
   /// How many positions outside the sequence it looks at, for units up to `unit_length`.
   static std::size_t margin(unsigned unit_length);
 
+  /// Whether glances and close looks are two things. In a short sequence they are not.
+  bool glances() const { return can_judge_ && glances_; }
+
+  /// How many edits a path can afford as far as a close look goes, whose cost grows with the square
+  /// of that; the largest number when it cannot judge.
+  int most_edits() const {
+    return can_judge_ ? close_look_.max_edits : std::numeric_limits<int>::max();
+  }
+
   /// Glances at a block, from left to right: takes starts out of `candidates`, kFilterWords words
   /// for the positions from `first_word` * 64 on. Those in doubt are kept for `look_closely`. What
   /// stays survives. Requires that less than kFilterStarts are in doubt.
@@ -52,7 +62,14 @@ class CandidateFilter {
 
   /// Looks closely at the first kFilterStarts starts in doubt, or all when there are fewer. Returns
   /// those that survive, in order; valid until the next call. Requires that some are in doubt.
-  std::span<const std::ptrdiff_t> look_closely();
+  std::span<std::ptrdiff_t> look_closely();
+
+  /// Instead of a glance at a block: all its candidates are in doubt.
+  void doubt_all(std::ptrdiff_t first_word, std::uint64_t* candidates);
+
+  /// Instead of a close look: returns the first starts in doubt, `most` of them or all when there
+  /// are fewer. Requires that `most` is no more than kFilterStarts.
+  std::span<std::ptrdiff_t> take_doubts(std::size_t most);
 
  private:
   struct FreeAligned {

@@ -23,10 +23,9 @@
 // A start survives if a path is still alive where the look ends, or if the bounds reached forward
 // and backward together come up to the least score that is accepted. All others are hopeless:
 //   - every path of the extension is a path of the automaton: the extension makes an edit only if
-//   the
-//     score behind it is above the threshold, which is at least the floor, and the bound is at
-//     least the score, so the automaton makes the same edit; the look-ahead only chooses among
-//     these;
+//     the score behind that edit is above the threshold, which is at least the floor, and the bound
+//     is at least the score, so the automaton makes the same edit; the look-ahead only chooses
+//     among the edits that the automaton makes;
 //   - an N that is bridged counts as a match, which adds to the bound but never to the score;
 //   - outside the sequence nothing matches;
 //   - the backward extension starts with what the forward one gained. A start that gains `max_gain`
@@ -34,9 +33,11 @@
 // A rejected candidate leaves no trace, so it does not matter that it was never extended.
 //
 // Example, unit length 2, penalties 5, longer repeats preferred: the floor is -3, so an edit needs
-// a score of at least 3 before it. At AC|GT no path survives the first residue: forward gains 0. At
-// AC|ACAGACAC the path may edit at G, where it has 3 points, and goes on with -2; it is still there
-// when the look ends, and the start survives.
+// a score of at least 3 before it. The look goes 8 residues far, the least score is 6, and forward
+// gains are told apart up to 6. At AC|GT no path survives the first residue, neither forward nor
+// backward anything is gained, and the start is hopeless. At AC|ACAGACAC the path may edit at G,
+// where it has 3 points, and goes on with -2; it is still there when the look ends, and the start
+// survives.
 //
 // Cost: about 12 word operations for each cell and residue, for 512 starts.
 
@@ -106,6 +107,7 @@ using JudgeStarts = void(const FilterPlan& plan, const BitPlanes::Words& planes,
 struct FilterKernel {
   JudgeBlock* judge_block;
   JudgeStarts* judge_starts;
+  const char* name;  ///< Of the instruction set, for messages.
 };
 namespace portable {
 JudgeBlock judge_block;

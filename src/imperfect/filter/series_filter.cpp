@@ -9,7 +9,7 @@
 #include <numeric>
 
 #include "config/settings.h"
-#include "imperfect/filter/candidate_filter.h"
+#include "imperfect/filter/start_filter.h"
 #include "search/start_block.h"
 
 namespace vorlan {
@@ -26,7 +26,7 @@ void close(std::vector<std::uint64_t>& starts, std::size_t start) {
 }
 
 // Lets the filter look closely, and opens the starts that survive.
-void look_closely(CandidateFilter& filter, std::uint64_t* survivors) {
+void look_closely(StartFilter& filter, std::uint64_t* survivors) {
   for (const std::ptrdiff_t survivor : filter.look_closely()) {
     const auto start = static_cast<std::size_t>(survivor);
     survivors[start / kBitsPerWord] |= std::uint64_t{1} << start % kBitsPerWord;
@@ -67,12 +67,12 @@ void SeriesFilter::close_last_starts(unsigned unit_length) {
 
 std::size_t SeriesFilter::judge(const BitPlanes& planes, unsigned unit_length, int min_score) {
   const auto residues = static_cast<std::ptrdiff_t>(residues_.size());
-  CandidateFilter filter(planes, unit_length, min_score, residues);
+  StartFilter filter(residues_, planes, unit_length, min_score, residues, {});
   std::uint64_t* const survivors = survivors_.data() + (unit_length - shortest_unit_) * words_;
   std::copy(starts_.begin(), starts_.end(), survivors);
   for (std::size_t word = 0; word < words_; word += StartBlock::kWords) {
     filter.glance(static_cast<std::ptrdiff_t>(word), survivors + word);
-    if (filter.doubts() >= kFilterStarts) look_closely(filter, survivors);
+    while (filter.doubts() >= filter.enough_doubts()) look_closely(filter, survivors);
   }
   while (filter.doubts() != 0) look_closely(filter, survivors);
   return std::transform_reduce(survivors, survivors + words_, std::size_t{0}, std::plus(),

@@ -10,8 +10,10 @@
 // that run on into a neighbour can only let a start survive that the record alone would not, and
 // one that survives is extended in its record.
 //
-// Example: the records ACACA and GTGT are judged as ACACAGTGT. Unit AC at the first start may be
-// followed up to the last residue; that it cannot be in its record shows when it is extended.
+// Example, default settings: the records ACACAC and ACACGT are judged as ACACACACACGT. Unit AC at
+// the first start gains 8 there and survives; that the record itself has only 4 points for it shows
+// when it is extended. The records ACACA and GTGT are judged as ACACAGTGT. Unit AC may edit at the
+// first G with its 3 points, but not again at T: the start is hopeless in the series, too.
 
 #pragma once
 

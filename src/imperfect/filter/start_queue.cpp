@@ -15,18 +15,19 @@ StartQueue::StartQueue(const RecordSearch& record, std::ptrdiff_t starts, unsign
       unit_length_(unit_length),
       marks_(marks),
       known_(known),
-      filter_(record.planes(), unit_length, min_score, starts) {}
+      filter_(record.residues(), record.planes(), unit_length, min_score, starts,
+              record.accelerations()) {}
 
 bool StartQueue::next_block() {
   assert(!has_block_ || blocks_.front().is_empty());
   if (has_block_) blocks_.pop_front();
   while (!has_judged_block()) {
-    if (next_ < starts_ && blocks_.size() < kMostBlocks) {
+    if (filter_.doubts() < filter_.enough_doubts() && next_ < starts_ &&
+        blocks_.size() < kMostBlocks) {
       add_block();
-      if (filter_.doubts() < kFilterStarts) continue;
-    } else if (blocks_.empty()) {
-      return has_block_ = false;
+      continue;
     }
+    if (blocks_.empty()) return has_block_ = false;
     for (const std::ptrdiff_t start : filter_.look_closely()) block_of(start).keep(start);
   }
   blocks_.front().collect(blocks_.front().begin(), marks_.anchors());
@@ -52,7 +53,7 @@ void StartQueue::add_block() {
   next_ = block.end();
   if (known_ != nullptr) {
     block.set_survivors([this](auto start) { return known_->survivors(unit_length_, start); });
-  } else if (block.has_survivors() && record_.accelerations().candidate_filter) {
+  } else if (block.has_survivors()) {
     filter_.glance(block.first_word(), block.survivors());
   }
 }

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <deque>
 
-#include "imperfect/filter/candidate_filter.h"
 #include "imperfect/filter/series_filter.h"
+#include "imperfect/filter/start_filter.h"
 #include "imperfect/late_marks/mark_painter.h"
 #include "imperfect/record_search.h"
 #include "search/start_block.h"
@@ -57,7 +57,7 @@ class StartQueue {
   unsigned unit_length_;
   MarkPainter& marks_;
   const SeriesSurvivors* known_;
-  CandidateFilter filter_;
+  StartFilter filter_;
   std::ptrdiff_t next_ = 0;  ///< Where the next block begins.
   bool has_block_ = false;
   std::deque<StartBlock> blocks_;

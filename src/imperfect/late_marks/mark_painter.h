@@ -32,8 +32,9 @@ struct AcceptedRepeat {
 ///
 /// Example: the scan has painted up to 100 when it accepts [40, 500) from 40, and then [60, 700)
 /// from 60. Painted at once are [40, 100) and [60, 100). The map holds [40, 60) of the first and
-/// [60, 700) of the second repeat: the 400 marks of [100, 500) are painted once, not twice. Repeats
-/// that lie side by side gain nothing.
+/// [60, 700) of the second repeat: the 400 marks of [100, 500) are painted once, not twice, and an
+/// edit position of the first repeat in that stretch stays closed. Had the second been [500, 700),
+/// every mark would be painted once either way: repeats that lie side by side gain nothing.
 ///
 /// Cost: a map entry for each stretch, each mark painted once or twice. Without late marks the
 /// painter paints each repeat whole when it is accepted.

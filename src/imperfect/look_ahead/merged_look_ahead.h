@@ -20,11 +20,12 @@
 //   - after a mismatch A is still not beyond B on the diagonal, and B needs no edit at all.
 // So A can be dropped. With a limit, the best score of a path enters its threshold, and this fails.
 //
-// Example, unit AC, at AC|GTACAC where A is due, first move a mismatch: that leads to T, where C is
-// due. Another mismatch there arrives in front of A with A due, on diagonal 0, with two edits. An
-// insertion and a deletion instead arrive at the same A with A due, with three edits and five
-// points less: that state is dropped. The insertion alone arrives in front of the same A, but with
-// C due, on diagonal 1, where no other state is: it stays.
+// Example, unit AC, penalties 5, at AC|TACACG where A is due, first move a deletion: then C is due
+// at T, on diagonal -1. A mismatch there arrives in front of A with A due, on the same diagonal,
+// and walks over ACAC: two edits, -10 + 4 points. An insertion and a deletion instead arrive at the
+// same A with A due and walk over ACAC, too, but with three edits and five points less: that state
+// is dropped. The insertion alone arrives in front of the same A with C due, on diagonal 0, where
+// no state is as far: that state stays.
 //
 // Cost: about one state for each level and diagonal. Works for any depth, needs no stack.
 

@@ -41,7 +41,8 @@ class PeriodicUnit {
 /// over matches is one count of zeros instead of a loop. Looks no further than kReach residues, and
 /// not across anything but bases; there the walk has to be made step by step.
 ///
-/// Example, unit AC, diagonal 0, residues ACTC..: bits 0010..
+/// Example, unit AC, diagonal 0, residues ACTC.. and bases for a whole word: bits 0010.., and the
+/// first mismatch is 2 residues ahead. With residues ACNC.. the word is not known.
 template <class Direction>
 class MismatchMasks {
  public:

@@ -14,7 +14,7 @@ namespace vorlan {
 /// and round, have the same number, wherever in the sequence they stand.
 ///
 /// Example: AC read from its C and CA read from its C are CACA..: one number. ACAC read from either
-/// C as well.
+/// C as well. AC read from its A is ACAC..: another number.
 class UnitPhases {
  public:
   /// The phases of one unit.

@@ -29,10 +29,10 @@
 //     node T [-5 + 5 - 5 + 4 = -1] --- mismatch, CACAC ---> node G [-5 + 4 = -1] --- mismatch, CACA
 //     ---> root: the end [0]
 //
-// An extension that arrives at T with 20 will have 19 at the end. The most that is to go behind T
-// is 0, so the score never falls below 19 - 0 at a decision point: one step. An extension that
-// started one base later, with the unit CA, arrives at T expecting A as well: the same node. One
-// that expects C there is at another node.
+// An extension that arrives at T with 30 will have 29 at the end. The most that is to go behind T
+// is 0, so the score never falls below 29 - 0 behind T: one step. The least is -1, at G: there the
+// score is best, 29 + 1. An extension that started one base later, with the unit CA, arrives at T
+// expecting A as well: the same node. One that expects C there is at another node.
 //
 // A root that is passed later gets a continuation into another tree. Roots with continuations form
 // a forest of their own, with jump pointers of the same kind; scores count from each root, since

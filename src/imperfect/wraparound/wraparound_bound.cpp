@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "imperfect/wraparound/wraparound_bound.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+
+#include "imperfect/scoring.h"
+
+namespace vorlan {
+namespace {
+
+constexpr std::align_val_t kRegisterAlignment{64};
+
+constexpr std::size_t kMostLanes = 64;
+
+/// Sequence that is not related to the unit is left after two or three units; what resembles the
+/// unit a little, such as the copies of another satellite, after some ten.
+constexpr std::ptrdiff_t kMostRows = 1024;
+constexpr std::ptrdiff_t kMostRowsPerBase = 32;
+
+constexpr std::int64_t kLargestNarrow = std::numeric_limits<std::uint8_t>::max();
+constexpr std::int64_t kLargestWide = std::numeric_limits<std::int16_t>::max();
+
+/// What starts that are not related to their unit hardly ever gain.
+constexpr std::int64_t kWorthALook = 32;
+
+/// The highest score that can be asked for: above it lanes must hold what is gained until that is
+/// noticed.
+std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_lane) {
+  const std::int64_t floor = Scoring::of_the_run().floor(unit_length);
+  return largest_lane + floor - kWraparoundRowsPerLook;
+}
+
+}  // namespace
+
+bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {
+  return min_score > 0 && min_score <= highest_min_score(unit_length, kLargestWide);
+}
+
+void WraparoundBound::FreeAligned::operator()(std::byte* memory) const {
+  ::operator delete[](memory, kRegisterAlignment);
+}
+
+WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
+                                 std::ptrdiff_t unit_length, int min_score,
+                                 const WraparoundKernel& kernel)
+    : register_bytes_(kernel.register_bytes) {
+  const Scoring scoring = Scoring::of_the_run();
+  const auto plan_for = [&](std::int64_t score, std::int64_t largest_lane) {
+    // A path has less than the largest lane, so that an edit that costs more ends it all the same.
+    const auto cost = [=](std::int64_t edit) {
+      return static_cast<int>(std::min(-edit, largest_lane));
+    };
+    return WraparoundPlan{.seq_begin = seq_begin,
+                          .seq_end = seq_end,
+                          .unit_length = unit_length,
+                          .floor = static_cast<int>(scoring.floor(unit_length)),
+                          .mismatch_cost = cost(scoring.mismatch_score),
+                          .indel_cost = cost(scoring.indel_score),
+                          .min_score = static_cast<int>(score),
+                          .longest_N_run = scoring.longest_N_run,
+                          .most_rows = kMostRows + kMostRowsPerBase * unit_length};
+  };
+  const std::int64_t narrow_score =
+      std::min<std::int64_t>(min_score, highest_min_score(unit_length, kLargestNarrow));
+  if (narrow_score == min_score || narrow_score >= kWorthALook) {
+    looks_.push_back({plan_for(narrow_score, kLargestNarrow), kernel.judge_narrow,
+                      register_bytes_ / sizeof(std::uint8_t)});
+  }
+  if (narrow_score == min_score) return;
+  looks_.push_back({plan_for(min_score, kLargestWide), kernel.judge_wide,
+                    register_bytes_ / sizeof(std::int16_t)});
+}
+
+void WraparoundBound::allocate() {
+  const auto registers =
+      wraparound_registers(static_cast<std::size_t>(looks_.front().plan.unit_length));
+  memory_.reset(new (kRegisterAlignment) std::byte[registers * register_bytes_]);
+}
+
+std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts) {
+  if (memory_ == nullptr) allocate();
+  for (const Look& look : looks_) starts = starts.first(keep_survivors(look, starts));
+  return starts.size();
+}
+
+std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts) {
+  std::array<bool, kMostLanes> can_reach{};
+  std::size_t kept = 0;
+  for (std::size_t first = 0; first < starts.size(); first += look.lanes) {
+    const auto batch = starts.subspan(first, std::min(look.lanes, starts.size() - first));
+    look.judge(look.plan, batch.data(), batch.size(), memory_.get(), can_reach.data());
+    for (std::size_t i = 0; i < batch.size(); ++i) {
+      if (can_reach[i]) starts[kept++] = batch[i];
+    }
+  }
+  return kept;
+}
+
+namespace {
+
+std::vector<WraparoundKernel> kernels_of_this_processor() {
+  std::vector<WraparoundKernel> kernels{portable::kWraparoundKernel};
+#ifdef VORLAN_X86_KERNELS
+  if (!__builtin_cpu_supports("bmi2")) return kernels;
+  if (__builtin_cpu_supports("avx2")) kernels.push_back(avx2::kWraparoundKernel);
+  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
+    kernels.push_back(avx512::kWraparoundKernel);
+  }
+#endif
+  return kernels;
+}
+
+}  // namespace
+
+const std::vector<WraparoundKernel>& runnable_wraparound_kernels() {
+  static const std::vector<WraparoundKernel> kernels = kernels_of_this_processor();
+  return kernels;
+}
+
+}  // namespace vorlan

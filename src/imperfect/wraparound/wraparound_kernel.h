@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// An upper bound on what the extension of a candidate can reach: the best score over all paths,
+// not only over the one that the look-ahead would choose.
+//
+// Idea: align the residues ahead with the unit written round and round. A row of cells, one for
+// each unit base, holds the best score of all paths that have consumed so many residues and for
+// which that base is due next; a step over one residue makes the next row. Behind the last base
+// the row goes on with the first. This is wraparound dynamic programming: V. A. Fischetti,
+// G. M. Landau, P. H. Sellers, J. P. Schmidt, "Identifying periodic occurrences of a template with
+// applications to protein structure", Information Processing Letters 45, 1993. Here paths end where
+// an extension ends: no edit is made that leads down to the floor.
+//
+// A candidate whose best score, first forward and then backward from there, is less than what is
+// accepted is hopeless, since every path of the extension is a path here, with the same score:
+//   - the extension makes an edit only where the residue differs from the base that is due, and
+//     only if the score behind it is above the floor. A limited score reduction only raises that
+//     threshold; the look-ahead, of whatever depth, only chooses among these edits;
+//   - a bridged N moves both ends and scores nothing. The extension stops before a run of N that is
+//     too long; here as many as allowed are passed, which gains nothing, and then nothing matches;
+//   - outside the sequence nothing matches. The extension stops there;
+//   - the backward extension begins with a score that the forward one reached, so at most with the
+//     best. A path that may be made from a score may be made from a higher one, and ends higher;
+//   - trimming N from the ends and asking for a length leave the score as it is.
+// A rejected candidate leaves no trace, so it does not matter that it was never extended.
+//
+// Example that cannot be accepted, unit AC, penalties 5, 6 points needed: in GT|AC|ACAC|GGTT.. the
+// best forward score is 4; the mismatch behind it leaves -1, the next one is below the floor, -3.
+// Backward a mismatch at T leaves -1 again. 4 is less than 6.
+// Example that is left to the extension: GT|AC|ACACAC|GG.., 6 points forward; nothing else is
+// looked at.
+//
+// Registers: each lane is one start, so that no lane needs its neighbour, and starts may lie
+// anywhere. What is stored is the score above the floor; 0 stands for no path, and subtraction
+// stops there, so that a path that falls to the floor is gone. 8 bits suffice for units up to about
+// 120 bases, 16 for all others.
+//
+//            unit base due ->          cells of one row, for all lanes together:
+//             A C A T G                 from the left: deletion   (same row)
+//   residue G . . 3 1 .                 from above: insertion
+//   residue T . . . 4 2                 from above left: match or mismatch
+//             ^ cells outside the band of live ones are not touched
+//
+// A start that is undecided for very long is left to the extension: one that neither gains nor
+// loses would be followed to the end of an array, and so would all the starts behind it, whereas
+// extensions share what they find out.
+//
+// Cost: some 15 instructions for each live cell, for 16 to 64 starts. Random sequence is left after
+// two or three units; repeats are left as soon as they are long enough.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vorlan {
+
+/// What the bound needs to know of the candidates of one unit length.
+struct WraparoundPlan {
+  const char* seq_begin;
+  const char* seq_end;
+  std::ptrdiff_t unit_length;
+  int floor;          ///< An edit is made only if the score stays above it. Negative.
+  int mismatch_cost;  ///< Positive; no more than the largest lane.
+  int indel_cost;
+  int min_score;                 ///< At least 1.
+  std::ptrdiff_t longest_N_run;  ///< Of N that are bridged; 0 if N matches nothing.
+  std::ptrdiff_t most_rows;      ///< A start that is not decided after so many survives.
+};
+
+/// Rows between two looks at which starts have enough. A score grows by one for each row.
+inline constexpr int kWraparoundRowsPerLook = 8;
+
+/// Registers that a kernel needs for units of this length.
+constexpr std::size_t wraparound_registers(std::size_t unit_length) {
+  constexpr std::size_t kBasesAtOnce = 16;
+  return 2 * unit_length + kBasesAtOnce;
+}
+
+/// Writes to `can_reach` for each of `count` starts (offsets in the sequence) whether its extension
+/// may reach the least score. Requires at most as many starts as there are lanes, that the units
+/// lie in the sequence, and `memory`, aligned to a register, of
+/// wraparound_registers(unit length) registers.
+using JudgeWraparound = void(const WraparoundPlan& plan, const std::ptrdiff_t* starts,
+                             std::size_t count, std::byte* memory, bool* can_reach);
+
+/// The functions of one instruction set, and its registers.
+struct WraparoundKernel {
+  std::size_t register_bytes;
+  JudgeWraparound* judge_narrow;  ///< With lanes of 8 bits.
+  JudgeWraparound* judge_wide;    ///< With lanes of 16 bits.
+};
+namespace portable {
+extern const WraparoundKernel kWraparoundKernel;
+}  // namespace portable
+namespace avx2 {
+extern const WraparoundKernel kWraparoundKernel;
+}  // namespace avx2
+namespace avx512 {
+extern const WraparoundKernel kWraparoundKernel;
+}  // namespace avx512
+
+}  // namespace vorlan

@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The wraparound bound, in all its kernels, against its definition and against the extension of
+// the slow twin.
+
+#include "imperfect/wraparound/wraparound_bound.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "all_strings.h"
+#include "description.h"
+#include "extension_settings.h"
+#include "plain_candidate.h"
+#include "plain_wraparound.h"
+#include "random.h"
+#include "random_residues.h"
+#include "support/dna.h"
+#include "support/fresh_settings.h"
+
+namespace vorlan {
+namespace {
+
+using differential::Random;
+using differential::random_residues;
+using reference::Settings;
+
+using Starts = std::vector<std::ptrdiff_t>;
+
+/// One sequence and one unit length.
+class BoundedSequence {
+ public:
+  BoundedSequence(std::string residues, const Settings& settings, std::size_t unit_length)
+      : residues_(std::move(residues)),
+        settings_(settings),
+        unit_length_(unit_length),
+        dna_(residues_) {
+    use(settings);
+    for (std::size_t start = 0; start + unit_length < residues_.size(); ++start) {
+      if (holds_only_bases(std::string_view(residues_).substr(start, unit_length))) {
+        starts_.push_back(static_cast<std::ptrdiff_t>(start));
+      }
+    }
+  }
+
+  /// All that can be units, or those that are left by `thin_out`.
+  const Starts& starts() const { return starts_; }
+
+  void thin_out(Random& random, std::size_t most) {
+    while (starts_.size() > most) {
+      starts_.erase(starts_.begin() + static_cast<std::ptrdiff_t>(random.below(starts_.size())));
+    }
+  }
+
+  std::int64_t bound(std::ptrdiff_t start) const {
+    return plain_wraparound_bound(residues_, settings_, static_cast<std::size_t>(start),
+                                  unit_length_);
+  }
+
+  int score(std::ptrdiff_t start) const {
+    return extended_plainly(residues_, settings_, static_cast<std::size_t>(start), unit_length_)
+        .score;
+  }
+
+  Starts survivors(int min_score, const WraparoundKernel& kernel) const {
+    WraparoundBound bound(dna_.at(0), dna_.end(), static_cast<std::ptrdiff_t>(unit_length_),
+                          min_score, kernel);
+    Starts starts = starts_;
+    starts.resize(bound.keep_survivors(starts));
+    return starts;
+  }
+
+  /// What every kernel keeps must be what the definition asks for.
+  void expect_definition(const std::vector<std::int64_t>& bounds, int min_score) const {
+    Starts expected;
+    for (std::size_t i = 0; i < starts_.size(); ++i) {
+      if (bounds[i] >= min_score) expected.push_back(starts_[i]);
+    }
+    for (const WraparoundKernel& kernel : runnable_wraparound_kernels()) {
+      ASSERT_EQ(survivors(min_score, kernel), expected) << description(min_score);
+    }
+  }
+
+  std::string description(int min_score) const {
+    return "unit length " + std::to_string(unit_length_) + ", score " + std::to_string(min_score) +
+           "\n" + differential::describe(settings_) + "\n" + residues_;
+  }
+
+ private:
+  std::string residues_;
+  const Settings& settings_;
+  std::size_t unit_length_;
+  Dna dna_;
+  Starts starts_;
+};
+
+class WraparoundBoundTest : public FreshSettings {
+ protected:
+  /// At every bound and just above it, where the starts that have it are rejected.
+  void expect_definition_at_all_bounds(const BoundedSequence& sequence) {
+    std::vector<std::int64_t> bounds;
+    std::set<int> min_scores;
+    for (const std::ptrdiff_t start : sequence.starts()) {
+      bounds.push_back(sequence.bound(start));
+      min_scores.insert({static_cast<int>(bounds.back()), static_cast<int>(bounds.back()) + 1});
+    }
+    for (const int min_score : min_scores) {
+      if (min_score < 1) continue;
+      ASSERT_NO_FATAL_FAILURE(sequence.expect_definition(bounds, min_score));
+      ++tried_;
+    }
+  }
+
+  /// Whatever the slow twin reaches must be within reach: at the score that a start has, it
+  /// survives. Counts the starts that gain something.
+  void expect_scores_within_reach(const BoundedSequence& sequence) {
+    std::vector<int> scores;
+    for (const std::ptrdiff_t start : sequence.starts()) scores.push_back(sequence.score(start));
+    for (const int min_score : std::set<int>(scores.begin(), scores.end())) {
+      if (min_score < 1) continue;
+      const auto kernels = runnable_wraparound_kernels();
+      const Starts kept = sequence.survivors(min_score, kernels[tried_++ % kernels.size()]);
+      rejected_ += sequence.starts().size() - kept.size();
+      for (std::size_t i = 0; i < scores.size(); ++i) {
+        if (scores[i] < min_score) continue;
+        ++accepted_;
+        ASSERT_TRUE(std::binary_search(kept.begin(), kept.end(), sequence.starts()[i]))
+            << "lost start " << sequence.starts()[i] << "\n"
+            << sequence.description(min_score);
+      }
+    }
+  }
+
+  std::size_t tried_ = 0;
+  std::size_t accepted_ = 0;
+  std::size_t rejected_ = 0;
+};
+
+#ifdef VORLAN_FAST_PATH_REDUCED
+constexpr std::size_t kShorter = 3;
+#else
+constexpr std::size_t kShorter = 0;
+#endif
+
+Settings cheap_edits(int mismatch_score, int indel_score) {
+  Settings settings;
+  settings.mismatch_score = mismatch_score;
+  settings.indel_score = indel_score;
+  settings.maximum_recursion_depth = 3;
+  return settings;
+}
+
+TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTexts) {
+  for (const Settings& settings : {cheap_edits(-2, -2), cheap_edits(-3, -2), cheap_edits(-2, -4)}) {
+    differential::for_each_string_up_to("AC", 10 - kShorter, [&](const std::string& text) {
+      for (std::size_t unit_length = 1; unit_length <= 4 && unit_length < text.size();
+           ++unit_length) {
+        expect_definition_at_all_bounds({text, settings, unit_length});
+      }
+      return !HasFailure();
+    });
+  }
+  EXPECT_GT(tried_, 1'000U);
+}
+
+TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTextsWithN) {
+  for (const int allowed : {0, 1, 2}) {
+    Settings settings = cheap_edits(-2, -2);
+    settings.Ns_allowed_in_a_row = allowed;
+    settings.prefer_longer_repeat = allowed == 1 ? 0 : 1;
+    differential::for_each_string_up_to("ACN", 8 - kShorter, [&](const std::string& text) {
+      for (std::size_t unit_length = 1; unit_length <= 3 && unit_length < text.size();
+           ++unit_length) {
+        expect_definition_at_all_bounds({text, settings, unit_length});
+      }
+      return !HasFailure();
+    });
+  }
+  EXPECT_GT(tried_, 1'000U);
+}
+
+TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAShortText) {
+  for (const int prefer_longer_repeat : {0, 1}) {
+    Settings settings = cheap_edits(-2, -2);
+    settings.prefer_longer_repeat = prefer_longer_repeat;
+    differential::for_each_string_up_to("AC", 11 - kShorter, [&](const std::string& text) {
+      for (std::size_t unit_length = 1; unit_length <= 4 && unit_length < text.size();
+           ++unit_length) {
+        expect_scores_within_reach({text, settings, unit_length});
+      }
+      return !HasFailure();
+    });
+  }
+  EXPECT_GT(accepted_, 1'000U);
+  EXPECT_GT(rejected_, 1'000U);
+}
+
+Settings random_bound_settings(Random& random) {
+  Settings settings = random_unlimited_settings(random);
+  if (random.per_cent(40)) settings.mismatch_score = settings.indel_score = random.between(-3, -2);
+  if (random.per_cent(5)) settings.mismatch_score = std::numeric_limits<int>::min();
+  if (random.per_cent(5)) settings.indel_score = -300;
+  return settings;
+}
+
+std::string background(Random& random, std::size_t most) {
+  return random_residues(random, random.below(most), random.per_cent(60) ? "ACGT" : "AAACTTTG");
+}
+
+/// Copies of one unit that differ, with junk around them and between some of them.
+std::string planted_repeat(Random& random, std::size_t unit_length) {
+  const std::string unit =
+      random_residues(random, unit_length, random.per_cent(70) ? "ACGT" : "AC");
+  std::string residues = background(random, 2 * unit_length + 10);
+  const int divergence = random.one_of({0, 20, 60, 100, 160});
+  for (int copies = random.one_of({1, 2, 2, 3, 3, 6}); copies > 0; --copies) {
+    // Begins and ends anywhere in the unit, so that wraps fall into edits too.
+    const std::size_t length = unit_length + random.below(unit_length);
+    residues += differential::diverged(random, differential::array_of(unit, length), divergence);
+    if (random.per_cent(25)) residues += background(random, unit_length / 4 + 2);
+  }
+  residues += background(random, 2 * unit_length + 10);
+  if (random.per_cent(25)) {
+    differential::overwrite_with_Ns(random, residues, 1 + static_cast<int>(random.below(4)), 3);
+  }
+  return residues;
+}
+
+TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForPlantedRepeats) {
+  for (std::uint64_t seed = 0; seed < 25 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const auto unit_length = static_cast<std::size_t>(random.between(1, 70));
+    const Settings settings = random_bound_settings(random);
+    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+    sequence.thin_out(random, 1 + random.below(100));
+    ASSERT_NO_FATAL_FAILURE(expect_definition_at_all_bounds(sequence));
+  }
+  EXPECT_GT(tried_, 50U * kWorkload);
+}
+
+// Scores up to which lanes of 8 bits suffice, and beyond.
+TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForLongUnits) {
+  for (const std::size_t unit_length : {110U, 119U, 123U, 124U, 125U, 126U, 128U, 200U, 256U}) {
+    for (std::uint64_t seed = 0; seed < 2; ++seed) {
+      SCOPED_TRACE(unit_length);
+      Random random(1000 * unit_length + seed);
+      const Settings settings = random_bound_settings(random);
+      BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+      sequence.thin_out(random, 12);
+      ASSERT_NO_FATAL_FAILURE(expect_definition_at_all_bounds(sequence));
+    }
+  }
+  EXPECT_GT(tried_, 50U);
+}
+
+TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAPlantedRepeat) {
+  for (std::uint64_t seed = 0; seed < 60 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const auto unit_length =
+        static_cast<std::size_t>(random.between(1, random.per_cent(70) ? 12 : 90));
+    Settings settings = random_bound_settings(random);
+    settings.maximum_recursion_depth = random.between(1, 2);
+    if (random.per_cent(30)) settings.maximum_scorereduction = random.between(0, 60);
+    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+    sequence.thin_out(random, 40);
+    ASSERT_NO_FATAL_FAILURE(expect_scores_within_reach(sequence));
+  }
+  EXPECT_GT(accepted_, 1'000U * kWorkload);
+  EXPECT_GT(rejected_, 1'000U * kWorkload);
+}
+
+/// Whether the first start is left when `min_score` is asked for.
+bool is_left(const std::string& residues, const Settings& settings, std::size_t unit_length,
+             int min_score, const WraparoundKernel& kernel) {
+  const Starts kept = BoundedSequence(residues, settings, unit_length).survivors(min_score, kernel);
+  return !kept.empty() && kept.front() == 0;
+}
+
+// Two matches and a mismatch for -2: the score of AAC at copies of AAG goes from 0 to 2 and back,
+// whatever the length. With that few copies it is seen that 3 is never reached.
+TEST_F(WraparoundBoundTest, LeavesToTheExtensionWhatIsUndecidedForLong) {
+  const Settings settings = cheap_edits(-2, -9);
+  for (const WraparoundKernel& kernel : runnable_wraparound_kernels()) {
+    EXPECT_FALSE(is_left("AAC" + repeated("AAG", 300), settings, 3, 3, kernel));
+    EXPECT_TRUE(is_left("AAC" + repeated("AAG", 300), settings, 3, 2, kernel));
+    EXPECT_TRUE(is_left("AAC" + repeated("AAG", 600), settings, 3, 3, kernel));
+  }
+}
+
+TEST_F(WraparoundBoundTest, CannotJudgeWhereNoScoreIsAskedForOrScoresDoNotFit) {
+  use({});
+  EXPECT_FALSE(WraparoundBound::can_judge(10, 0));
+  EXPECT_FALSE(WraparoundBound::can_judge(10, -5));
+  EXPECT_TRUE(WraparoundBound::can_judge(10, 1));
+  EXPECT_TRUE(WraparoundBound::can_judge(2'000, 2'000));
+  // 2,001 below 0, 8 above what is asked for, and the largest number of 16 bits with a sign.
+  EXPECT_TRUE(WraparoundBound::can_judge(2'000, 32'767 - 2'001 - 8));
+  EXPECT_FALSE(WraparoundBound::can_judge(2'000, 32'767 - 2'001 - 7));
+  EXPECT_FALSE(WraparoundBound::can_judge(10, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+}  // namespace vorlan
