@@ -5,6 +5,7 @@
 //
 //   glance/, close_look/   the two looks of the filter, by each kernel that this processor can run;
 //                          items are starts that are judged
+//   wraparound/            the bound behind the filter, by kernel; items are starts that are judged
 //   look_ahead/            all decisions on the way through an array, by each of the look-aheads;
 //                          items are decisions
 //   extension/             through an array, by steps, with ways that are new, and over stored
@@ -18,6 +19,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,6 +29,7 @@
 #include "imperfect/extension_steps.h"
 #include "imperfect/filter/candidate_filter.h"
 #include "imperfect/record_search.h"
+#include "imperfect/wraparound/wraparound_bound.h"
 #include "kernel_inputs.h"
 #include "search/bit_planes.h"
 #include "search/csat.h"
@@ -43,12 +47,10 @@ using vorlan::RecordSearch;
 // ---- Filter ---------------------------------------------------------------------------------
 
 constexpr std::size_t kFilterText = 262'144;
+constexpr std::size_t kBoundText = 16'384;
 constexpr std::array kFilterUnits{2U, 10U, 50U, 100U};
 /// The default.
 constexpr int kLeastScore = 6;
-
-/// In the order of runnable_filter_kernels.
-constexpr std::array kKernelNames{"portable", "avx2", "avx512"};
 
 enum class Look : std::uint8_t { kGlance, kClose };
 
@@ -100,6 +102,26 @@ void filter_kernel(benchmark::State& state, const FilterKernel& kernel, unsigned
     CandidateFilter filter(planes, unit_length, min_score, starts, kernel);
     judged += judge_all(state, filter, starts, timed);
     if (timed == Look::kClose) state.ResumeTiming();
+  }
+  state.SetItemsProcessed(judged);
+}
+
+void wraparound_kernel(benchmark::State& state, const vorlan::WraparoundKernel& kernel,
+                       std::ptrdiff_t unit_length) {
+  const std::string residues = kernel_inputs::background(kBoundText, kernel_inputs::kHalf);
+  const int min_score = std::max(kLeastScore, static_cast<int>(unit_length));
+  vorlan::WraparoundBound bound(residues.data(), residues.data() + residues.size(), unit_length,
+                                min_score, kernel);
+  std::vector<std::ptrdiff_t> starts(bound.lanes());
+  const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(residues.size()) - unit_length;
+  std::int64_t judged = 0;
+  for ([[maybe_unused]] auto _ : state) {
+    for (std::ptrdiff_t first = 0; first + std::ssize(starts) <= last;
+         first += std::ssize(starts)) {
+      std::iota(starts.begin(), starts.end(), first);
+      benchmark::DoNotOptimize(bound.keep_survivors(starts));
+      judged += std::ssize(starts);
+    }
   }
   state.SetItemsProcessed(judged);
 }
@@ -205,8 +227,8 @@ void add_filter_kernels(const char* text, unsigned gc_of_256) {
   const std::vector<FilterKernel>& kernels = vorlan::runnable_filter_kernels();
   for (const unsigned unit_length : kFilterUnits) {
     for (std::size_t i = 0; i < kernels.size(); ++i) {
-      const std::string label = std::string("/") + text + "/unit_" + std::to_string(unit_length) +
-                                "/" + kKernelNames.at(i);
+      const std::string label =
+          std::string("/") + text + "/unit_" + std::to_string(unit_length) + "/" + kernels[i].name;
       for (const auto& [name, look] :
            {std::pair{"glance", Look::kGlance}, std::pair{"close_look", Look::kClose}}) {
         add(name + label,
@@ -214,6 +236,18 @@ void add_filter_kernels(const char* text, unsigned gc_of_256) {
               filter_kernel(state, kernel, unit_length, gc_of_256, look);
             });
       }
+    }
+  }
+}
+
+void add_wraparound_kernels() {
+  for (const unsigned unit_length : kFilterUnits) {
+    for (const vorlan::WraparoundKernel& kernel : vorlan::runnable_wraparound_kernels()) {
+      const std::string label = "wraparound/unit_" + std::to_string(unit_length) +
+                                "/registers_of_" + std::to_string(kernel.register_bytes);
+      add(label, [kernel, unit_length](benchmark::State& state) {
+        wraparound_kernel(state, kernel, static_cast<std::ptrdiff_t>(unit_length));
+      });
     }
   }
 }
@@ -238,6 +272,7 @@ void add_extensions() {
 void add_engine_kernels() {
   add_filter_kernels("background", kernel_inputs::kHalf);
   add_filter_kernels("at_rich", kernel_inputs::kAtRich);
+  add_wraparound_kernels();
   add_decisions("plain", without_look_aheads());
   add_decisions("merged", only_merged_look_ahead());
   add_decisions("all", {});

@@ -8,19 +8,22 @@
 // Every start that has a base is shown to every filter, whatever the marks. In a search the marks
 // of repeats close many of them before, so what it extends is less than what survives here.
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <memory>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "config/command_line.h"
 #include "config/settings.h"
-#include "imperfect/filter/candidate_filter.h"
+#include "imperfect/filter/start_filter.h"
 #include "input/cfile.h"
 #include "input/csequence_mol.h"
+#include "search/accelerations.h"
 #include "search/bit_planes.h"
 #include "search/csearchcontroller.h"
 
@@ -38,17 +41,6 @@ bool read_records(vorlan::CFile& file, Records& records) {
   }
   return true;
 }
-
-struct Survival {
-  std::uint64_t starts = 0;
-  std::uint64_t filtered = 0;
-
-  Survival& operator+=(const Survival& more) {
-    starts += more.starts;
-    filtered += more.filtered;
-    return *this;
-  }
-};
 
 /// The starts of one unit length, as blocks for the filter.
 class Starts {
@@ -80,36 +72,44 @@ std::uint64_t count_bits(const std::array<std::uint64_t, vorlan::kFilterWords>& 
   return count;
 }
 
-Survival survival_of(const vorlan::BitPlanes& planes, std::ptrdiff_t residues,
-                     unsigned unit_length) {
-  Survival survival;
-  const std::ptrdiff_t starts = residues - static_cast<std::ptrdiff_t>(unit_length) + 1;
-  if (starts <= 0) return survival;
+/// How many starts of one unit length these engines leave.
+std::uint64_t survivors(std::string_view residues, const vorlan::BitPlanes& planes,
+                        unsigned unit_length, const vorlan::Accelerations& engines) {
+  const std::ptrdiff_t starts = std::ssize(residues) - static_cast<std::ptrdiff_t>(unit_length) + 1;
+  if (starts <= 0) return 0;
   const int min_score = vorlan::CSearchController::user_min_scores()[unit_length];
-  vorlan::CandidateFilter filter(planes, unit_length, min_score, starts);
+  vorlan::StartFilter filter(residues, planes, unit_length, min_score, starts, engines);
   const Starts all(planes, starts);
   constexpr auto kWords = static_cast<std::ptrdiff_t>(vorlan::kFilterWords);
+  std::uint64_t count = 0;
   for (std::ptrdiff_t word = 0; word * vorlan::kBitsPerWord < starts; word += kWords) {
     auto block = all.block(word);
-    survival.starts += count_bits(block);
     filter.glance(word, block.data());
-    survival.filtered += count_bits(block);
-    if (filter.doubts() >= vorlan::kFilterStarts) survival.filtered += filter.look_closely().size();
+    count += count_bits(block);
+    while (filter.doubts() >= filter.enough_doubts()) count += filter.look_closely().size();
   }
-  while (filter.doubts() != 0) survival.filtered += filter.look_closely().size();
-  return survival;
+  while (filter.doubts() != 0) count += filter.look_closely().size();
+  return count;
 }
 
-Survival survival_of(const vorlan::CSequence_Mol& sequence) {
-  const vorlan::faststring& residues = sequence.residues;
-  const vorlan::BitPlanes planes(residues.buf, residues.size,
+/// Summed over the unit lengths of the run.
+std::uint64_t survivors(const vorlan::CSequence_Mol& sequence,
+                        const vorlan::Accelerations& engines) {
+  const std::string_view residues = sequence.residues.view();
+  const vorlan::BitPlanes planes(residues.data(), residues.size(),
                                  vorlan::CandidateFilter::margin(vorlan::global_max_unit_length));
-  Survival survival;
+  std::uint64_t count = 0;
   for (unsigned unit = vorlan::global_min_unit_length; unit <= vorlan::global_max_unit_length;
        ++unit) {
-    survival += survival_of(planes, static_cast<std::ptrdiff_t>(residues.size), unit);
+    count += survivors(residues, planes, unit, engines);
   }
-  return survival;
+  return count;
+}
+
+std::uint64_t survivors(const Records& records, const vorlan::Accelerations& engines) {
+  std::uint64_t count = 0;
+  for (const auto& record : records) count += survivors(*record, engines);
+  return count;
 }
 
 std::uint64_t accepted_in(vorlan::CSequence_Mol& sequence) {
@@ -137,10 +137,12 @@ int main(int argc, char** argv) {
   Records records;
   if (file.fail() || !read_records(file, records)) return fail("vorlan_survival: cannot read it");
 
-  Survival survival;
-  for (const auto& record : records) survival += survival_of(*record);
-  print("starts", survival.starts);
-  print("filter", survival.filtered);
+  vorlan::Accelerations engines = vorlan::Accelerations::none();
+  print("starts", survivors(records, engines));
+  engines.candidate_filter = true;
+  print("filter", survivors(records, engines));
+  engines.wraparound = true;
+  print("wraparound", survivors(records, engines));
   std::uint64_t accepted = 0;
   for (const auto& record : records) accepted += accepted_in(*record);
   print("accepted", accepted);

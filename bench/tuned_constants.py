@@ -10,6 +10,7 @@ from inputs import Genome, background, background_records, diverged_array
 from workloads import CHR22, DEFAULTS, ECOLI, EXTEND_EXACT, FALCIPARUM, KBP, MBP, Work
 
 FILTER = "src/imperfect/filter/"
+WRAPAROUND = "src/imperfect/wraparound/"
 LOOK_AHEAD = "src/imperfect/look_ahead/"
 
 
@@ -36,6 +37,8 @@ def constants(divisor: int) -> list[Constant]:
     extended_array = Work(EXTEND_EXACT, diverged_array(40 * KBP // divisor))
     middle_units = Work(("-u", "11", "-U", "50"), Genome(ECOLI, 200 * KBP // divisor))
     middle_units_human = Work(("-u", "41", "-U", "50"), Genome(CHR22, 200 * KBP // divisor))
+    long_units_human = Work(("-u", "291", "-U", "300"), Genome(CHR22, 20 * KBP // divisor))
+    cheap = Work(("-u", "11", "-U", "20", "-m", "-2", "-g", "-3"), Genome(ECOLI, 20 * KBP // divisor))
     tiny_records = Work(DEFAULTS, background_records(4 * MBP // divisor, 150))
     records_long_units = Work(("-u", "51", "-U", "60"), background_records(200 * KBP // divisor, 1000))
     records_middle_units = Work(("-u", "11", "-U", "60"), background_records(200 * KBP // divisor, 1000))
@@ -62,6 +65,15 @@ def constants(divisor: int) -> list[Constant]:
                  (records_long_units, medium_records)),
         Constant("kFewestToLookAt", filter_cpp, ("1", "32"), (tiny_records, random_bases)),
         Constant("kResiduesPerCheck", FILTER + "candidate_filter_kernel.cpp", ("1", "4"), filtered),
+        Constant("kFewEdits", FILTER + "start_filter.cpp", ("12", "48"), (middle_units, middle_units_human, cheap)),
+        Constant("kVeryFewEdits", FILTER + "start_filter.cpp", ("8", "16"), (*filtered, cheap)),
+        Constant("kShortUnit", FILTER + "start_filter.cpp", ("3", "12"), filtered),
+        Constant("kEnoughGlances", FILTER + "start_filter.cpp", ("4 * std::size_t{kFilterStarts}",
+                                                                 "64 * std::size_t{kFilterStarts}"),
+                 (cheap, middle_units_human)),
+        Constant("kMostRowsPerBase", WRAPAROUND + "wraparound_bound.cpp", ("8", "128"), (cheap, middle_units_human)),
+        Constant("kWorthALook", WRAPAROUND + "wraparound_bound.cpp", ("16", "64"), (middle_units_human, long_units_human)),
+        Constant("kWraparoundRowsPerLook", WRAPAROUND + "wraparound_kernel.h", ("4", "16"), (cheap, middle_units_human)),
         Constant("kMostBlocks", FILTER + "start_queue.h", ("8", "128"), filtered),
         Constant("kFewResiduesPerSurvivor", FILTER + "series_filter.cpp", ("2", "16"), (tiny_records, medium_records)),
         Constant("kLongestUnit", FILTER + "series_filter.h", ("20", "60"), (records_middle_units,)),

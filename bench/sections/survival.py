@@ -13,9 +13,9 @@ from measure import CPU_LIMIT_SECONDS, RunFailed, limited_run
 from tables import Table
 from workloads import Throughput
 
-STAGES = ("starts", "filter", "accepted")
+STAGES = ("starts", "filter", "wraparound", "accepted")
 NOTE = ("Pairs of start and unit length: all that begin with a base, those that the filter leaves when no mark is "
-        "closed, and the repeats that a search accepts before overlapping ones are removed.")
+        "closed, those that filter and wraparound bound leave together, and the repeats that a search accepts before overlapping ones are removed.")
 
 
 def counts_of(bench: Bench, row: Throughput) -> dict[str, int]:
