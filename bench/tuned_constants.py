@@ -5,6 +5,7 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
+from pathlib import Path
 
 from inputs import Genome, background, background_records, diverged_array
 from workloads import CHR22, DEFAULTS, ECOLI, EXTEND_EXACT, FALCIPARUM, KBP, MBP, Work
@@ -22,6 +23,11 @@ class Constant:
     file: str
     values: tuple[str, ...]
     works: tuple[Work, ...]
+
+    @property
+    def label(self) -> str:
+        """Some files use the same name."""
+        return f"{self.name} in {Path(self.file).name}"
 
     @property
     def pattern(self) -> str:

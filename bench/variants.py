@@ -61,6 +61,6 @@ class VariantBuilder:
         text = file.read_text()
         file.write_text(re.sub(constant.pattern, lambda found: found[1] + value + found[3], text))
         try:
-            return self.program(f"{constant.name}-{constant.values.index(value)}")
+            return self.program(f"{constant.label}-{constant.values.index(value)}")
         finally:
             file.write_text(text)

@@ -30,13 +30,13 @@ class Tuning:
         """Rows of all values and works of one constant."""
         present = self.builder.value_of(constant)
         programs = [Program(self.builder.variant(constant, value),
-                            self.bench.folder / f"{constant.name}-{index}")
+                            self.bench.folder / f"{constant.label}-{index}")
                     for index, value in enumerate(constant.values)]
         for work in constant.works:
             try:
                 self.add_work(constant, present, programs, work)
             except Unavailable as reason:
-                self.bench.skipped.append(f"{constant.name} ({work.title}): {reason}")
+                self.bench.skipped.append(f"{constant.label} ({work.title}): {reason}")
 
     def add_work(self, constant: Constant, present: str, programs: list[Program], work: Work) -> None:
         task = self.bench.task(work)
@@ -45,12 +45,12 @@ class Tuning:
         for _ in rounds([base, *others], self.bench.runs):
             for value, other in zip(constant.values, others):
                 if not filecmp.cmp(self.present.report, other.program.report, shallow=False):
-                    self.bench.errors.append(f"{constant.name} = {value}: the report differs ({work.title})")
-        self.table.rows.append([constant.name, work.title, f"{present} (present)", "1", ""])
+                    self.bench.errors.append(f"{constant.label} = {value}: the report differs ({work.title})")
+        self.table.rows.append([constant.label, work.title, f"{present} (present)", "1", ""])
         for value, other in zip(constant.values, others):
             ratio = ratio_of_pairs(other.measurement, base.measurement)
             pairs = min(len(other.measurement.cpu_seconds), len(base.measurement.cpu_seconds))
-            self.table.rows.append([constant.name, work.title, value, f"{ratio:.3f}", str(pairs)])
+            self.table.rows.append([constant.label, work.title, value, f"{ratio:.3f}", str(pairs)])
 
 
 def tuning(bench: Bench) -> list[Table]:
@@ -59,9 +59,9 @@ def tuning(bench: Bench) -> list[Table]:
         return []
     tuned = Tuning(bench)
     for constant in chosen:
-        print(constant.name, file=sys.stderr)
+        print(constant.label, file=sys.stderr)
         try:
             tuned.add(constant)
         except (NoVariant, RunFailed) as failure:
-            bench.errors.append(f"{constant.name}: {failure}")
+            bench.errors.append(f"{constant.label}: {failure}")
     return [tuned.table]
