@@ -20,7 +20,8 @@
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make coverage            which lines and branches of the product the tests reach
 #   make mutants             plant small faults, one at a time: which test notices each? Takes long
-#   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
+#   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA), SECTION=one or several
+#                            sections of bench/sections/, QUICK=1 to see only whether everything works
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
 #   make deb                 build a Debian package in build/deb/
@@ -31,6 +32,8 @@ ARGS ?= examples/androgen_receptor.fa
 PREFIX ?= /usr/local
 DESTDIR ?=
 DATA ?=
+SECTION ?=
+QUICK ?=
 BUILD_DIR ?= build/release
 INSTALLED ?= build/installed-files
 DEB_DIR ?= build/deb
@@ -132,7 +135,7 @@ bench:
 	$(need) build bench
 	$(call configure,bench,OFF)
 	$(call build,bench)
-	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA))
+	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA)) $(SECTION:%=--section %) $(if $(QUICK),--quick)
 
 # The pictures are drawn with the Python that Debian's matplotlib is installed for.
 figures: build

@@ -47,9 +47,9 @@ def background(residues: int) -> Generated:
                      lambda file: sequences.write_record(file, sequences.background(residues)))
 
 
-def diverged_array(residues: int) -> Generated:
-    return Generated(f"diverged-array-{residues}", residues,
-                     lambda file: sequences.write_record(file, sequences.diverged_array(residues)))
+def diverged_array(residues: int, unit: bytes = b"AT", name: Optional[str] = None) -> Generated:
+    return Generated(name or f"diverged-array-{residues}", residues,
+                     lambda file: sequences.write_record(file, sequences.diverged_array(residues, unit)))
 
 
 def pure_array(residues: int) -> Generated:

@@ -2,132 +2,44 @@
 // SPDX-FileCopyrightText: the Vorlan authors
 
 // The stages of a run on their own: reader, exact search, imperfect search, report. Rates
-// (items_per_second) are bases per second; for the report, bases of the repeats written.
-//
-// All texts are generated from fixed seeds with the raw numbers of std::mt19937_64, which are the
-// same with every standard library, unlike those of the distributions.
+// (items_per_second) are bases per second; for the report, bases of the repeats written. The
+// engines within the imperfect search are in engine_kernels.cpp.
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "config/settings.h"
+#include "engine_kernels.h"
 #include "input/cfile.h"
 #include "input/csequence_mol.h"
+#include "kernel_inputs.h"
 #include "search/csearchcontroller.h"
 
 namespace {
 
+using kernel_inputs::background;
+using kernel_inputs::diverged_array;
+using kernel_inputs::fasta;
+using kernel_inputs::kAtRich;
+using kernel_inputs::kHalf;
+using kernel_inputs::sequence_of;
+using kernel_inputs::TemporaryFile;
 using vorlan::CFile;
 using vorlan::CSearchController;
 using vorlan::CSequence_Mol;
-
-constexpr std::size_t kLineWidth = 80;
-
-// ---- Sequences ------------------------------------------------------------------------------
-
-constexpr unsigned kHalf = 128;   // of 256: the share of G and C in random background
-constexpr unsigned kAtRich = 51;  // 20 %, as in AT-rich genomes
-constexpr unsigned kPerThousand = 1000;
-
-/// Independent bases, `gc_of_256` out of 256 of them G or C.
-std::string background(std::size_t length, unsigned gc_of_256) {
-  std::mt19937_64 random(1);
-  std::string residues(length, 'A');
-  for (char& base : residues) {
-    const std::uint64_t number = random();
-    const bool second = (number >> 8 & 1) != 0;
-    base = number % 256 < gc_of_256 ? (second ? 'G' : 'C') : (second ? 'A' : 'T');
-  }
-  return residues;
-}
-
-/// (AT)n in which 10 % of the bases are edited: 6 % substituted, 2 % preceded by an inserted base,
-/// 2 % deleted.
-std::string diverged_array(std::size_t length) {
-  std::mt19937_64 random(2);
-  const auto any_base = [&random] { return "ACGT"[random() % 4]; };
-  std::string residues;
-  for (std::size_t i = 0; residues.size() < length; ++i) {
-    const char base = "AT"[i % 2];
-    const std::uint64_t number = random() % kPerThousand;
-    if (number < 60) {
-      char other = any_base();
-      while (other == base) other = any_base();
-      residues += other;
-    } else if (number < 80) {
-      residues += any_base();
-      residues += base;
-    } else if (number >= 100) {
-      residues += base;
-    }
-  }
-  residues.resize(length);
-  return residues;
-}
-
-/// The residues as FASTA, cut into records of `record_length`.
-std::string fasta(std::string_view residues, std::size_t record_length) {
-  std::string text;
-  for (std::size_t begin = 0; begin < residues.size(); begin += record_length) {
-    const std::string_view record = residues.substr(begin, record_length);
-    text += ">record\n";
-    for (std::size_t line = 0; line < record.size(); line += kLineWidth) {
-      text += record.substr(line, kLineWidth);
-      text += '\n';
-    }
-  }
-  return text;
-}
 
 std::string lower_case(std::string text) {
   for (char& ch : text) {
     if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
   }
   return text;
-}
-
-/// A file that lasts as long as the object. Throws std::runtime_error.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(std::string_view text)
-      : name_(std::filesystem::temp_directory_path() / "vorlan_kernels_XXXXXX") {
-    const int descriptor = mkstemp(name_.data());
-    if (descriptor < 0) throw std::runtime_error("no temporary file");
-    std::FILE* file = fdopen(descriptor, "wb");
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    if (std::fclose(file) != 0 || !written) throw std::runtime_error("temporary file not written");
-  }
-  ~TemporaryFile() { unlink(name_.c_str()); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  const char* name() const { return name_.c_str(); }
-
- private:
-  std::string name_;
-};
-
-/// The residues as the reader of the program delivers them.
-std::unique_ptr<CSequence_Mol> sequence_of(std::string_view residues) {
-  const TemporaryFile text(fasta(residues, residues.size()));
-  CFile file;
-  file.open(text.name());
-  auto sequence = std::make_unique<CSequence_Mol>(CSequence_Mol::kDna, 0);
-  sequence->readFastaSequence(file);
-  if (sequence->residues.view() != residues) throw std::runtime_error("residues not read back");
-  return sequence;
 }
 
 // ---- Kernels --------------------------------------------------------------------------------
@@ -247,6 +159,7 @@ int main(int argc, char** argv) {
   add_searches("at_rich", background(kBackgroundLength, kAtRich));
   add_searches("diverged_array", diverged_array(kArrayLength));
   add_report();
+  add_engine_kernels();
   // A filter that matches nothing must not pass for a result.
   const bool any = benchmark::RunSpecifiedBenchmarks() > 0;
   benchmark::Shutdown();

@@ -10,6 +10,7 @@ import resource
 import signal
 import statistics
 import subprocess
+from collections.abc import Iterator, Sequence
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -35,6 +36,10 @@ class Usage:
     status: int  # exit status, or the negative number of the signal that ended it
     cpu_seconds: float  # user and system
     peak_bytes: int
+
+    @property
+    def timed_out(self) -> bool:
+        return self.status == -signal.SIGXCPU
 
 
 @dataclass(frozen=True)
@@ -75,9 +80,9 @@ def set_limits() -> None:
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def usage_of(command: list[str], folder: Path) -> Usage:
-    """Runs the command in the folder, without input and console."""
-    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+def limited_run(command: list[str], folder: Path, output: int = subprocess.DEVNULL) -> Usage:
+    """Runs the command in the folder, without input and console; its standard output goes to a descriptor."""
+    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=output,
                                stderr=subprocess.DEVNULL, preexec_fn=set_limits)
     _, wait_status, used = os.wait4(process.pid, 0)
     process.returncode = os.waitstatus_to_exitcode(wait_status)
@@ -90,21 +95,21 @@ class Program:
     The report names input and report file, so these have the same names for all programs.
     """
 
-    def __init__(self, path: Path, folder: Path) -> None:
-        self.path = path.resolve()
+    def __init__(self, path: Path, folder: Path, first_arguments: tuple[str, ...] = ()) -> None:
+        self.command = [str(path.resolve()), *first_arguments]
         self.folder = folder
         self.report = folder / REPORT_NAME
         folder.mkdir()
 
     def run(self, task: Task, measurement: Measurement) -> None:
         """Adds one run to the measurement."""
-        command = [str(self.path), *task.options, str(task.input_file), REPORT_NAME]
+        command = [*self.command, *task.options, str(task.input_file), REPORT_NAME]
         self.report.unlink(missing_ok=True)
-        used = usage_of(command, self.folder)
+        used = limited_run(command, self.folder)
         measurement.cpu_seconds.append(used.cpu_seconds)
         measurement.peak_bytes = max(measurement.peak_bytes, used.peak_bytes)
         measurement.report_bytes = self.report.stat().st_size if self.report.exists() else 0
-        measurement.timed_out = used.status == -signal.SIGXCPU
+        measurement.timed_out = used.timed_out
         if used.status != 0 and not measurement.timed_out:
             raise RunFailed(f"{' '.join(command)}: status {used.status}")
 
@@ -117,29 +122,58 @@ def measure(program: Program, task: Task, runs: int) -> Measurement:
 
 
 @dataclass
-class Comparison:
-    """Two programs on the same task."""
+class Contest:
+    """A program at a task, and what was measured of it."""
 
-    plain: Measurement = field(default_factory=Measurement)
+    program: Program
+    task: Task
+    measurement: Measurement = field(default_factory=Measurement)
+
+
+def rounds(contests: Sequence[Contest], runs: int, paired: bool = False) -> Iterator[None]:
+    """Alternating runs, so that a slow spell of the machine meets all; yields after each round.
+
+    `paired`: all are run equally often, as often as the one that wants the fewest runs.
+    """
+    wanted = all if paired else any
+    while wanted(contest.measurement.wants_more_runs(runs) for contest in contests):
+        for contest in contests:
+            if contest.measurement.wants_more_runs(runs):
+                contest.program.run(contest.task, contest.measurement)
+        yield
+
+
+def alternate(contests: Sequence[Contest], runs: int) -> None:
+    for _ in rounds(contests, runs):
+        pass
+
+
+def ratio_of_pairs(one: Measurement, other: Measurement) -> float:
+    """The median of the ratios of runs that followed each other: what slows down both cancels out."""
+    return statistics.median(a / b for a, b in zip(one.cpu_seconds, other.cpu_seconds))
+
+
+@dataclass
+class Comparison:
+    """Another program and Vorlan on the same task."""
+
+    other: Measurement = field(default_factory=Measurement)
     vorlan: Measurement = field(default_factory=Measurement)
     reports_differ: bool = False
     reports_compared: bool = False
 
 
-def compare(plain: Program, vorlan: Program, task: Task, runs: int) -> Comparison:
-    """Alternating runs, so that a slow spell of the machine meets both; ends at a difference."""
+def compare(other: Program, vorlan: Program, task: Task, runs: int, paired: bool = False) -> Comparison:
+    """Runs both by turns; ends at a difference."""
     result = Comparison()
-    while result.plain.wants_more_runs(runs) or result.vorlan.wants_more_runs(runs):
-        if result.plain.wants_more_runs(runs):
-            plain.run(task, result.plain)
-        if result.vorlan.wants_more_runs(runs):
-            vorlan.run(task, result.vorlan)
+    contests = [Contest(other, task, result.other), Contest(vorlan, task, result.vorlan)]
+    for _ in rounds(contests, runs, paired):
         if result.vorlan.timed_out:
             break
-        if result.plain.timed_out:
+        if result.other.timed_out:
             continue
         result.reports_compared = True
-        if not filecmp.cmp(plain.report, vorlan.report, shallow=False):
+        if not filecmp.cmp(other.report, vorlan.report, shallow=False):
             result.reports_differ = True
             break
     return result

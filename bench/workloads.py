@@ -9,7 +9,7 @@ above 1 the lists only show that the measuring works; what is expected holds for
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import Optional
+from typing import Optional, Union
 
 from inputs import Genome, Input, background, background_records, diverged_array, pure_array
 
@@ -44,7 +44,7 @@ class Work:
 
 @dataclass(frozen=True)
 class Faster:
-    """How many times less CPU time than the plain program Vorlan must take, and should."""
+    """How many times less CPU time than another program Vorlan must take, and should."""
 
     name: str
     work: Work
@@ -54,12 +54,13 @@ class Faster:
 
 @dataclass(frozen=True)
 class Growth:
-    """How many times the CPU time of one run another may take at most."""
+    """How many times the CPU time of one run another may take at most, and should."""
 
     name: str
     work: Work
     base: Work
     at_most: float
+    aim: Optional[float] = None
     peak_bytes: Optional[int] = None
 
 
@@ -69,6 +70,7 @@ class Memory:
 
     name: str
     work: Work
+    fixed_bytes: int = MEMORY_BYTES_FIXED
 
 
 @dataclass(frozen=True)
@@ -79,17 +81,30 @@ class Throughput:
     work: Work
 
 
+@dataclass(frozen=True)
+class Worth:
+    """A run that is repeated with one engine after the other left out."""
+
+    name: str
+    work: Work
+
+
+# Files of the data folder.
+YEAST, CHR22 = "Saccharomyces_cerevisiae*.fa.gz", "hg19_chr22*.fa.gz"
+ECOLI, FALCIPARUM, CENTROMERE = "Ecoli*.fasta.gz", "Pfalciparum*.fa.gz", "Ath_CEN1*.fasta.gz"
+
+
 def genome(pattern: str, divisor: int) -> Genome:
     return Genome(pattern, None if divisor == 1 else QUICK_GENOME_BASES)
 
 
 def comparisons(divisor: int) -> list[Faster]:
-    yeast = genome("Saccharomyces_cerevisiae*.fa.gz", divisor)
-    chr22 = genome("hg19_chr22*.fa.gz", divisor)
-    ecoli = genome("Ecoli*.fasta.gz", divisor)
-    falciparum = genome("Pfalciparum*.fa.gz", divisor)
-    ecoli_piece = Genome("Ecoli*.fasta.gz", 100 * KBP // divisor)
-    centromere_piece = Genome("Ath_CEN1*.fasta.gz", 200 * KBP // divisor)
+    yeast = genome(YEAST, divisor)
+    chr22 = genome(CHR22, divisor)
+    ecoli = genome(ECOLI, divisor)
+    falciparum = genome(FALCIPARUM, divisor)
+    ecoli_piece = Genome(ECOLI, 100 * KBP // divisor)
+    centromere_piece = Genome(CENTROMERE, 200 * KBP // divisor)
     array = diverged_array(40 * KBP // divisor)
     limited = ("-R", "30", "-m", "-4", "-g", "-7", "-r", "7")
     return [
@@ -140,8 +155,41 @@ def memories(divisor: int) -> list[Memory]:
 
 
 def throughputs(divisor: int) -> list[Throughput]:
-    inputs = [background(16 * MBP // divisor), genome("Saccharomyces_cerevisiae*.fa.gz", divisor),
+    inputs = [background(16 * MBP // divisor), genome(YEAST, divisor),
               diverged_array(160 * KBP // divisor)]
     one_unit_length = [IMPERFECT + ("-u", str(length), "-U", str(length)) for length in UNIT_LENGTHS]
     return [*(Throughput("throughput", Work(mode, input_)) for input_ in inputs for mode in MODES),
             *(Throughput("unit-length", Work(options, background(MBP // divisor))) for options in one_unit_length)]
+
+
+def engine_works(divisor: int) -> list[Worth]:
+    """Small enough that they end without the filter, too."""
+    yeast = genome(YEAST, divisor)
+    array = diverged_array(40 * KBP // divisor)
+    return [
+        Worth("yeast", Work(DEFAULTS, yeast)),
+        Worth("falciparum-piece", Work(DEFAULTS, Genome(FALCIPARUM, 4 * MBP // divisor))),
+        Worth("array", Work(DEFAULTS, array)),
+        Worth("array-extend-exact", Work(EXTEND_EXACT, array)),
+        Worth("long-units", Work(("-u", "11", "-U", "50"), Genome(ECOLI, 100 * KBP // divisor))),
+        Worth("long-units-centromere", Work(("-u", "11", "-U", "30"), Genome(CENTROMERE, 200 * KBP // divisor))),
+        Worth("extend-exact", Work(EXTEND_EXACT, yeast)),
+        Worth("exact", Work(EXACT, yeast)),
+        Worth("short-records", Work(DEFAULTS, background_records(3 * MBP // divisor, 150))),
+    ]
+
+
+def all_works(divisor: int) -> list[Throughput]:
+    """Each work of the lists above once, under the name of the row where it stands first."""
+    rows = [*comparisons(divisor), *growths(divisor), *memories(divisor), *throughputs(divisor)]
+    named = [(row.name, work) for row in rows for work in works_of(row)]
+    first: dict[tuple[tuple[str, ...], str], Throughput] = {}
+    for name, work in named:
+        # The default mode is named in some lists.
+        key = (work.options[2:] if work.options[:2] == IMPERFECT else work.options, work.input.name)
+        first.setdefault(key, Throughput(name, work))
+    return list(first.values())
+
+
+def works_of(row: Union[Faster, Growth, Memory, Throughput]) -> list[Work]:
+    return [row.base, row.work] if isinstance(row, Growth) else [row.work]

@@ -20,6 +20,8 @@ constexpr std::align_val_t kLanesAlignment{sizeof(Lanes)};
 
 static_assert(kFilterWords == StartBlock::kWords);
 
+// All numbers up to kFewestToLookAt were chosen by the bench: table "Tuning", rows of their names.
+
 /// How far to look at most. Random sequence loses about two points a residue even on the best of
 /// all paths, so a path is dead after about half a unit length on top of what its first edits
 /// allow. With full lanes it pays to look further, for sequence that is poor in some bases.

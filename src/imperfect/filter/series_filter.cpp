@@ -18,7 +18,7 @@ namespace {
 static_assert(SeriesFilter::kLongestUnit <= CandidateFilter::kLongestUnit);
 
 /// With more survivors than one for so many residues, most records hold repeats. Their marks close
-/// what longer units would have to judge here.
+/// what longer units would have to judge here. Chosen by the bench, table "Tuning".
 constexpr std::size_t kFewResiduesPerSurvivor = 4;
 
 void close(std::vector<std::uint64_t>& starts, std::size_t start) {

@@ -10,10 +10,12 @@
 namespace vorlan {
 namespace {
 
+// All numbers here were chosen by the bench: table "Tuning", rows of their names.
+
 /// After so many starts it is known how much glances reject.
 constexpr std::size_t kEnoughGlances = 16 * std::size_t{kFilterStarts};
 
-/// With more edits than this to follow, the bound is cheaper than a close look, by measurement.
+/// With more edits than this to follow, the bound is cheaper than a close look.
 constexpr int kFewEdits = 24;
 
 /// With so few edits, as at the default penalties, most of what a close look leaves of short units

@@ -55,6 +55,7 @@ class StartQueue {
 
  private:
   /// A block waits until there are enough starts in doubt for a close look, but not longer.
+  /// Chosen by the bench, table "Tuning".
   static constexpr std::size_t kMostBlocks = 32;
 
   bool has_judged_block() const;

@@ -75,7 +75,7 @@ class BitLookAhead {
 
  private:
   /// How many edits are looked at for each that the score allows: what is gained behind one allows
-  /// more. A few more cost little.
+  /// more. A few more cost little. Chosen by the bench, table "Tuning".
   static constexpr std::int64_t kEditsForEach = 2;
   static constexpr std::int64_t kMoreEdits = 3;
 

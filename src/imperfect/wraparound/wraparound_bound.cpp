@@ -19,13 +19,15 @@ constexpr std::size_t kMostLanes = 64;
 
 /// Sequence that is not related to the unit is left after two or three units; what resembles the
 /// unit a little, such as the copies of another satellite, after some ten.
+/// The rows for each base: chosen by the bench, table "Tuning".
 constexpr std::ptrdiff_t kMostRows = 1024;
 constexpr std::ptrdiff_t kMostRowsPerBase = 32;
 
 constexpr std::int64_t kLargestNarrow = std::numeric_limits<std::uint8_t>::max();
 constexpr std::int64_t kLargestWide = std::numeric_limits<std::int16_t>::max();
 
-/// What starts that are not related to their unit hardly ever gain.
+/// What starts that are not related to their unit hardly ever gain. Chosen by the bench, table
+/// "Tuning".
 constexpr std::int64_t kWorthALook = 32;
 
 /// The highest score that can be asked for: above it lanes must hold what is gained until that is

@@ -70,6 +70,7 @@ struct WraparoundPlan {
 };
 
 /// Rows between two looks at which starts have enough. A score grows by one for each row.
+/// Chosen by the bench, table "Tuning".
 inline constexpr int kWraparoundRowsPerLook = 8;
 
 /// Registers that a kernel needs for units of this length.

@@ -206,18 +206,18 @@ std::string planted_repeat(Random& random, unsigned unit_length, const Settings&
       break;
     case 1:  // junk behind the unit, then exact copies
       residues = array(4, 0);
-      for (std::size_t i = 0, j = affordable(scoring.mismatch_score); i < j; ++i) {
+      for (std::size_t i = 0, j = affordable(settings.mismatch_score); i < j; ++i) {
         residues[unit_length + i] = all_replaced(residues.substr(unit_length + i, 1))[0];
       }
       break;
     case 2:  // the same with residues put in
       residues = array(4, 0);
       residues.insert(unit_length, differential::random_residues(
-                                       random, affordable(scoring.indel_score), "ACGT"));
+                                       random, affordable(settings.indel_score), "ACGT"));
       break;
     case 3:  // a second copy that lacks bases at the wrap, and a third and fourth that pay
       residues = array(2, 0);
-      residues.resize(residues.size() - affordable(scoring.indel_score));
+      residues.resize(residues.size() - affordable(settings.indel_score));
       residues += array(2, random.below(unit_length));
       break;
     case 4:  // a second copy that is only just good enough
