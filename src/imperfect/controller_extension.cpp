@@ -23,9 +23,10 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   extend_seeds(record.planes(), [&](Csat& seed) {
     if (record.ways().is_full()) record.ways().forget();
     const unsigned unit_length = seed.unit_length();
+    const Thresholds thresholds{(*minScores_user)[unit_length], (*minLengths_user)[unit_length]};
+    if (!record.may_reach(seed, thresholds.score)) return false;
     PassedOver passed_over;
-    return record.extend_and_accept(
-        seed, {(*minScores_user)[unit_length], (*minLengths_user)[unit_length]}, passed_over);
+    return record.extend_and_accept(seed, thresholds, passed_over);
   });
 }
 

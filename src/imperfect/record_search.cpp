@@ -7,6 +7,7 @@
 
 #include "imperfect/extension.h"
 #include "imperfect/filter/candidate_filter.h"
+#include "imperfect/look_ahead/look_ahead.h"
 #include "search/exact_filter.h"
 #include "search/perfect_extension.h"
 
@@ -32,6 +33,24 @@ RecordSearch::RecordSearch(std::string_view residues, unsigned longest_unit, See
       planes_(residues.data(), residues.size(), margin_of_planes(longest_unit)),
       ways_(residues.data(), scoring_),
       shares_ways_(accelerations.shared_ways && StoredWays::can_share(scoring_)) {}
+
+// Forward nothing above the seed's own score is found, so the backward extension begins with that
+// at most, and ends below what is asked for. With a limited score reduction the thresholds of the
+// two differ from those that are compared with here.
+bool RecordSearch::may_reach(const Csat& seed, int min_score) {
+  if (seed.score >= min_score || !scoring_.has_constant_threshold()) return true;
+  return !stays_below<Forward>(seed.score + 1, seed, end()) ||
+         !stays_below<Backward>(min_score, seed, begin());
+}
+
+// An N at the end of the seed would be walked over before the first edit.
+template <class Direction>
+bool RecordSearch::stays_below(std::int64_t goal, const Csat& seed, const char* stop) {
+  const Front front = Direction::front(seed);
+  if (front.place != stop && *Direction::residue(front.place) == 'N') return false;
+  LookAhead<Direction> look_ahead(*this, {seed.unit_begin, seed.unit_end}, stop);
+  return look_ahead.stays_below(goal, front, seed.score, seed.score);
+}
 
 bool RecordSearch::extend_and_accept(Csat& sat, const Thresholds& thresholds,
                                      PassedOver& passed_over) {

@@ -64,6 +64,13 @@ class RecordSearch {
   /// The ways, or null where decisions cannot be shared.
   StoredWays* shared_ways() { return shares_ways_ ? &ways_ : nullptr; }
 
+  /// Whether a perfect repeat may reach `min_score` when it is extended over edits, as far as can
+  /// be told from what lies right behind its ends. False is a proof.
+  ///
+  /// Example, penalties 5: a seed of score 4 cannot reach 6 when neither side gains a point behind
+  /// an edit. With a short match on one side it may.
+  bool may_reach(const Csat& seed, int min_score);
+
   /// Extends `sat` in both directions and trims it. Returns whether it reaches the thresholds; only
   /// then its events are sorted, and complete unless there are many: those are left in
   /// `passed_over`, as `sat.events_pending` says.
@@ -78,6 +85,8 @@ class RecordSearch {
 
  private:
   bool notes_events(const Csat& sat) const;
+  template <class Direction>
+  bool stays_below(std::int64_t goal, const Csat& seed, const char* stop);
 
   std::string_view residues_;
   SeedKind seed_;

@@ -42,8 +42,9 @@ class CandidateFilter {
   /// How many positions outside the sequence it looks at, for units up to `unit_length`.
   static std::size_t margin(unsigned unit_length);
 
-  /// Whether glances and close looks are two things. In a short sequence they are not.
-  bool glances() const { return can_judge_ && glances_; }
+  /// Glances first also in a short sequence, for a close look that needs few lanes. Returns whether
+  /// it can.
+  bool glance_always() { return glances_ = can_judge_; }
 
   /// How many edits a path can afford as far as a close look goes, whose cost grows with the square
   /// of that; the largest number when it cannot judge.

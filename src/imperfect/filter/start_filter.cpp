@@ -39,7 +39,11 @@ StartFilter::StartFilter(std::string_view residues, const BitPlanes& planes, uns
   if (has_automaton_ && automaton_is_enough) return;
   bound_.emplace(residues.data(), residues.data() + residues.size(), length, min_score);
   bound_alone_ = !has_automaton_ || filter_.most_edits() > kFewEdits;
-  glances_ = has_automaton_ && (filter_.glances() || !bound_alone_);
+  if (!has_automaton_) {
+    glances_ = false;
+  } else if (bound_alone_) {
+    glances_ = filter_.glance_always();
+  }
 }
 
 void StartFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {

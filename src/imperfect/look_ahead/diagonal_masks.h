@@ -96,9 +96,10 @@ class DiagonalMasks {
   Word read_word(std::int32_t word) {
     const std::int32_t ahead = word * kBits;
     const std::ptrdiff_t first = WordsAhead<Direction>::first_residue(place_, ahead);
-    const std::ptrdiff_t phase =
-        unit_->phase(std::min(WordsAhead<Direction>::first_unit_base(cursor_, ahead, diagonals_),
-                              WordsAhead<Direction>::first_unit_base(cursor_, ahead, -diagonals_)));
+    const std::ptrdiff_t lowest_due =
+        std::min(WordsAhead<Direction>::first_unit_base(cursor_, ahead, diagonals_),
+                 WordsAhead<Direction>::first_unit_base(cursor_, ahead, -diagonals_));
+    const std::ptrdiff_t phase = unit_->phase(static_cast<std::int32_t>(lowest_due));
     const Word read{bits_at(planes_.low, first), bits_at(planes_.high, first),
                     bits_at(planes_.no_base, first), unit_->from(phase),
                     unit_->from(phase + kBits)};

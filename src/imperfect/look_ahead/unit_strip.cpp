@@ -29,12 +29,14 @@ void UnitStrip::write(const std::uint64_t* plane, std::ptrdiff_t begin,
   const bool is_short = length_ < kBits;
   const std::uint64_t first = bits_at(plane, begin);
   const std::uint64_t whole_word = is_short ? repeated(first) : first;
+  const std::ptrdiff_t step = kBits % length_;
   std::ptrdiff_t phase = 0;
   for (std::uint64_t& word : words) {
     const std::ptrdiff_t left = length_ - phase;
     word = is_short ? whole_word >> phase : bits_at(plane, begin + phase);
     if (left < kBits) word = lowest(word, left) | whole_word << left;
-    phase = (phase + kBits) % length_;
+    phase += step;
+    if (phase >= length_) phase -= length_;
   }
 }
 

@@ -49,7 +49,7 @@ class AllPaths {
 
  private:
   void edit(const char* place, const char* cursor, std::int64_t score) {
-    const char* next_place = Direction::next(place);
+    const char* next_place = Direction::moved(place, 1);
     const char* next_cursor = Direction::next_unit_base(cursor, unit_);
     visit(next_place, next_cursor, score + settings_.mismatch_score);
     visit(next_place, cursor, score + settings_.indel_score);
@@ -69,7 +69,7 @@ class AllPaths {
   // As the extension does: a run of N that is too long ends it.
   bool walk(const char*& place, const char*& cursor, std::int64_t& score) const {
     std::ptrdiff_t run = 0;
-    for (; !Direction::at_stop(place, stop_); place = Direction::next(place)) {
+    for (; place != stop_; place = Direction::moved(place, 1)) {
       const char residue = *Direction::residue(place);
       const bool is_bridged = residue == 'N' && settings_.longest_N_run != 0;
       if (!is_bridged && residue != *cursor) return true;
@@ -133,10 +133,10 @@ class BitLookAheadTest : public FreshSettings {
     BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
                                  given.memory);
     for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move(place, cursor, score);
+      const auto move = bits.best_move({place, cursor}, score);
       if (!move) return;
       ++told_;
-      const Move expected = plain.best_move(place, cursor, score, 0, score).move;
+      const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
       ++chosen_[static_cast<std::size_t>(expected)];
       ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
           << "place " << place - given.dna.at(0) << " cursor " << cursor - given.unit.begin
@@ -154,7 +154,7 @@ class BitLookAheadTest : public FreshSettings {
       AllPaths<Direction> all(settings, given.unit, given.stop, threshold);
       const std::int64_t highest = all.highest_from(place, cursor, score);
       for (std::int64_t goal = score - 2; goal <= score + 3; ++goal) {
-        const bool stays_below = bits.stays_below(goal, place, cursor, score, threshold);
+        const bool stays_below = bits.stays_below(goal, {place, cursor}, score, threshold);
         if (stays_below) {
           ++proofs_;
           ASSERT_LT(highest, goal) << "place " << place - given.dna.at(0) << " cursor "
@@ -256,7 +256,7 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInAllShortTexts) {
   this->for_each_setting([&](Settings settings) {
     for (const int depth : {1, 2, 3, 5, 7, 8}) {
       settings.maximum_recursion_depth = depth;
-      use(settings);
+      reference::set_settings_of_the_product(settings);
       const auto compare = [&](const auto& given) { this->compare_moves(given, 11); };
       this->for_each_short_case("AC", (depth > 3 ? 6 : 7) - kShorter, compare);
       this->for_each_short_case("ACN", 4 - kShorter / 2, compare);
@@ -273,17 +273,17 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
     settings.mismatch_score = random.between(-6, -2);
     settings.indel_score = random.between(-6, -2);
     if (random.per_cent(10)) settings.maximum_recursion_depth = random.between(6, 8);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const auto given = this->random_case(random);
-    const Scoring alignment;
+    const Scoring alignment = Scoring::of_the_run();
     const LeapAhead<TypeParam> plain(alignment, given.unit, given.stop);
     BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
                                  given.memory);
     this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move(place, cursor, score);
+      const auto move = bits.best_move({place, cursor}, score);
       if (!move) return;
       ++this->told_;
-      const Move expected = plain.best_move(place, cursor, score, 0, score).move;
+      const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
       ++this->chosen_[static_cast<std::size_t>(expected)];
       ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected)) << "score " << score;
     });
@@ -295,19 +295,19 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
 TYPED_TEST(BitLookAheadTest, LeavesDecisionsToOthersWhenTheScoreReductionIsLimited) {
   Settings settings;
   settings.maximum_scorereduction = 20;
-  use(settings);
+  reference::set_settings_of_the_product(settings);
   const typename TestFixture::Case given("ACACACACTCACACAC", 4, 2);
-  const Scoring alignment;
+  const Scoring alignment = Scoring::of_the_run();
   BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
                                given.memory);
-  EXPECT_FALSE(bits.best_move(given.dna.at(8), given.unit.begin, 10));
+  EXPECT_FALSE(bits.best_move({given.dna.at(8), given.unit.begin}, 10));
 }
 
 TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInAllShortTexts) {
   this->for_each_setting([&](Settings settings) {
     for (const int reduction : {kNoScoreLimit, 6}) {
       settings.maximum_scorereduction = reduction;
-      use(settings);
+      reference::set_settings_of_the_product(settings);
       const auto check = [&](const auto& given) { this->check_proofs(given, 9); };
       this->for_each_short_case("AC", 6 - kShorter, check);
       this->for_each_short_case("ACN", 4 - kShorter / 2, check);
@@ -322,15 +322,15 @@ TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInDivergedArrays) {
     Random random(static_cast<std::uint64_t>(seed));
     Settings settings = random_unlimited_settings(random);
     if (random.per_cent(30)) settings.maximum_scorereduction = random.between(5, 40);
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     const auto given = this->random_case(random);
-    const Scoring alignment;
+    const Scoring alignment = Scoring::of_the_run();
     BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
                                  given.memory);
     this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
       const std::int64_t threshold = alignment.threshold(score, given.unit.length());
       const std::int64_t goal = score + random.between(-1, 10);
-      const bool stays_below = bits.stays_below(goal, place, cursor, score, threshold);
+      const bool stays_below = bits.stays_below(goal, {place, cursor}, score, threshold);
       AllPaths<TypeParam> all(alignment, given.unit, given.stop, threshold);
       const std::int64_t highest = all.highest_from(place, cursor, score);
       if (stays_below) {

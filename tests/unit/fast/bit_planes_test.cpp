@@ -23,13 +23,13 @@ constexpr std::size_t kLongest = 200;
 struct Bits {
   bool low;
   bool high;
-  bool special;
+  bool no_base;
 
   bool operator==(const Bits&) const = default;
 };
 
 void PrintTo(const Bits& bits, std::ostream* out) {
-  *out << "low " << bits.low << " high " << bits.high << " special " << bits.no_base;
+  *out << "low " << bits.low << " high " << bits.high << " no_base " << bits.no_base;
 }
 
 Bits expected_bits(const std::string& residues, std::ptrdiff_t position) {
@@ -87,9 +87,9 @@ TEST(BitPlanes, GiveSixtyFourPositionsFromAnyOneOn) {
     for (std::ptrdiff_t from = first; from <= last; ++from) {
       const std::uint64_t low = bits_at(planes.words().low, from);
       const std::uint64_t high = bits_at(planes.words().high, from);
-      const std::uint64_t special = bits_at(planes.words().no_base, from);
+      const std::uint64_t no_base = bits_at(planes.words().no_base, from);
       for (int i = 0; i < 64; ++i) {
-        const Bits bits{(low >> i & 1) != 0, (high >> i & 1) != 0, (special >> i & 1) != 0};
+        const Bits bits{(low >> i & 1) != 0, (high >> i & 1) != 0, (no_base >> i & 1) != 0};
         ASSERT_EQ(bits, expected_bits(residues, from + i))
             << residues << " margin " << margin << " from " << from << " bit " << i;
       }

@@ -85,7 +85,7 @@ class StartFilterTest : public FreshSettings, public testing::WithParamInterface
 TEST_P(StartFilterTest, KeepsWhatIsAcceptedAndNothingThatIsOutOfReach) {
   const Work work = GetParam();
   const Settings settings = settings_of(work);
-  use(settings);
+  reference::set_settings_of_the_product(settings);
   const std::string residues = residues_of(work);
   const Dna dna(residues);
   const auto min_score = static_cast<int>(work.unit_length);

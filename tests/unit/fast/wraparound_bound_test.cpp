@@ -41,7 +41,7 @@ class BoundedSequence {
         settings_(settings),
         unit_length_(unit_length),
         dna_(residues_) {
-    use(settings);
+    reference::set_settings_of_the_product(settings);
     for (std::size_t start = 0; start + unit_length < residues_.size(); ++start) {
       if (holds_only_bases(std::string_view(residues_).substr(start, unit_length))) {
         starts_.push_back(static_cast<std::ptrdiff_t>(start));
@@ -296,7 +296,7 @@ TEST_F(WraparoundBoundTest, LeavesToTheExtensionWhatIsUndecidedForLong) {
 }
 
 TEST_F(WraparoundBoundTest, CannotJudgeWhereNoScoreIsAskedForOrScoresDoNotFit) {
-  use({});
+  reference::set_settings_of_the_product({});
   EXPECT_FALSE(WraparoundBound::can_judge(10, 0));
   EXPECT_FALSE(WraparoundBound::can_judge(10, -5));
   EXPECT_TRUE(WraparoundBound::can_judge(10, 1));
