@@ -41,8 +41,8 @@ class StartFilter {
   std::size_t doubts() const { return filter_.doubts(); }
   std::ptrdiff_t first_doubt() const { return filter_.first_doubt(); }
 
-  /// With so many starts in doubt a close look is worth its time; with more than that a glance is
-  /// not allowed.
+  /// With so many starts in doubt a close look is worth its time. At most kFilterStarts: with that
+  /// many in doubt a glance is not allowed.
   std::size_t enough_doubts() const { return bound_alone_ ? bound_->lanes() : kFilterStarts; }
 
   /// Looks closely at the first starts in doubt. Returns those that survive, in order; valid until

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+// The worked examples at the heads of the files below src/imperfect that bound what an extension
+// can reach and that decide by bits, residue by residue as they stand there. Each test has the name
+// of its file.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "imperfect/leap_ahead.h"
+#include "imperfect/look_ahead/bit_look_ahead.h"
+#include "imperfect/wraparound/wraparound_bound.h"
+#include "support/dna.h"
+#include "support/fresh_settings.h"
+
+namespace vorlan {
+namespace {
+
+using BoundExamples = FreshSettings;
+
+/// A decision behind the unit AC, where A is due, and what lies in the sequence from there on.
+struct DecisionBehindAC {
+  explicit DecisionBehindAC(std::string_view ahead)
+      : dna("AC" + std::string(ahead)),
+        unit{dna.at(0), dna.at(2)},
+        planes(dna.at(0), dna.residues.size, DiagonalMasks<Forward>::kMargin),
+        bits(scoring, unit, dna.end(), &planes, dna.at(0), memory) {}
+
+  Front front() const { return {dna.at(2), unit.begin}; }
+
+  Dna dna;
+  UnitSpan unit;
+  Scoring scoring = Scoring::of_the_run();
+  BitPlanes planes;
+  BitLookAheadMemory memory;
+  BitLookAhead<Forward> bits;
+};
+
+TEST_F(BoundExamples, ComebackH) {
+  constexpr std::int64_t kThreshold = -3;
+  ASSERT_EQ(Scoring::of_the_run().threshold(3, 2), kThreshold);
+  DecisionBehindAC over("GTGTGTGT");
+  EXPECT_TRUE(over.bits.stays_below(3, over.front(), 3, kThreshold));
+  EXPECT_FALSE(over.bits.stays_below(-2, over.front(), 3, kThreshold));
+  DecisionBehindAC comes_back("GACACAC");
+  EXPECT_FALSE(comes_back.bits.stays_below(4, comes_back.front(), 3, kThreshold));
+}
+
+TEST_F(BoundExamples, DiagonalMasksH) {
+  const Dna dna("ACATAC");
+  const BitPlanes planes(dna.at(0), dna.residues.size, DiagonalMasks<Forward>::kMargin);
+  UnitStrip unit;
+  unit.assign(planes.words(), 0, 2);
+  DiagonalMasks<Forward> masks;
+  masks.read_unit(planes.words(), unit);
+  masks.start(2, 0, 1);
+  masks.open(1);
+  const auto bits = [&](std::int32_t diagonal) {
+    std::string text;
+    for (std::int32_t ahead = 0; ahead < 4; ++ahead) {
+      text += masks.next_mismatch(diagonal, ahead) == ahead ? '1' : '0';
+    }
+    return text;
+  };
+  EXPECT_EQ(bits(0), "0100");
+  EXPECT_EQ(bits(-1), "1111");
+}
+
+TEST_F(BoundExamples, FurthestPlacesH) {
+  DecisionBehindAC decision("GTACAC");
+  const auto behind = [&](std::initializer_list<Move> moves) {
+    Front front = decision.front();
+    for (const Move move : moves) front = after<Forward>(move, front, decision.unit);
+    return std::pair(front.place, front.cursor);
+  };
+  EXPECT_EQ(behind({Move::kMismatch, Move::kInsertion}),
+            behind({Move::kInsertion, Move::kMismatch}));
+  EXPECT_NE(behind({Move::kInsertion}), behind({Move::kMismatch}));
+
+  const LeapAhead<Forward> plain(decision.scoring, decision.unit, decision.dna.end());
+  for (std::int64_t score = 0; score < 30; ++score) {
+    EXPECT_EQ(decision.bits.best_move(decision.front(), score),
+              plain.best_move(decision.front(), score, 0, score).move)
+        << "score " << score;
+  }
+}
+
+TEST_F(BoundExamples, WraparoundKernelH) {
+  const auto survives = [](std::string_view residues, int min_score,
+                           const WraparoundKernel& kernel) {
+    const Dna dna(residues);
+    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score, kernel);
+    std::ptrdiff_t starts[] = {2};
+    return bound.keep_survivors(starts) == 1;
+  };
+  for (const WraparoundKernel& kernel : runnable_wraparound_kernels()) {
+    EXPECT_FALSE(survives("GTACACACGGTT", 6, kernel));
+    EXPECT_FALSE(survives("GTACACACGGTT", 5, kernel));
+    EXPECT_TRUE(survives("GTACACACGGTT", 4, kernel));
+    EXPECT_TRUE(survives("GTACACACACGG", 6, kernel));
+  }
+}
+
+}  // namespace
+}  // namespace vorlan
