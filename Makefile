@@ -10,6 +10,8 @@
 #   make test-asan           the same under the sanitizers, with g++ and with clang++
 #   make test-clang          the same, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
+#   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
+#   make test-tools          run its tests
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make coverage            which lines and branches of the product the tests reach
 #   make mutants             plant small faults, one at a time: which test notices each? Takes long
@@ -33,7 +35,7 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run test test-slow test-asan test-clang test-portable fuzz coverage mutants bench figures lint install deb clean
+.PHONY: build tools test-tools run test test-slow test-asan test-clang test-portable fuzz coverage mutants bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -85,6 +87,18 @@ test-clang:
 test-portable:
 	$(need) build test cookbook figures
 	$(call run_tests,portable)
+
+# The companion program has a build folder and tests of its own.
+tools:
+	$(need) build tools
+	$(call configure,tools,OFF)
+	$(call build,tools)
+
+test-tools:
+	$(need) build tools test-tools
+	$(call configure,tools,ON)
+	$(call build,tools)
+	@ctest --preset tools
 
 fuzz:
 	$(need) build test clang
