@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <new>
+#include <system_error>
 
 #include "cli/exit_status.h"
 #include "cli/subcommands.h"
@@ -39,6 +40,8 @@ int perform(const Action& action) {
     return kUsage;
   } catch (const DataError& error) {
     complain(error.what());
+  } catch (const std::system_error& error) {
+    complain(std::string("The system refused: ") + error.what() + ".");
   } catch (const std::bad_alloc&) {
     complain("There is not enough memory.");
   }

@@ -63,6 +63,10 @@ void OutputFile::write_plain(std::string_view bytes) {
 }
 
 void OutputFile::flush() {
+  if (bgzf_ != nullptr) {
+    if (bgzf_flush(bgzf_) != 0) fail();
+    return;
+  }
   write_plain({buffer_.data(), buffer_.size()});
   buffer_.clear();
 }

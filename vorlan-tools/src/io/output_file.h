@@ -29,6 +29,9 @@ class OutputFile {
   /// Throws DataError if the bytes cannot be written; that may show at a later call or in finish().
   void write(std::string_view bytes);
 
+  /// Hands over what was written so far, so that a reader of a pipe gets it.
+  void flush();
+
   /// Writes what is left and gives the file its name. Nothing may be written afterwards.
   void finish();
 
@@ -36,7 +39,6 @@ class OutputFile {
   const std::string& path() const { return pending_.path(); }
 
  private:
-  void flush();
   void write_plain(std::string_view bytes);
   [[noreturn]] void fail() const;
 
