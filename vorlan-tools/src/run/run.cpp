@@ -125,9 +125,9 @@ class SliceLoop {
   /// Returns whether the input was well formed to its end. Throws DataError and Interrupted.
   bool execute() {
     while (!is_done()) {
-      start_slices();
       take_ended();
       append_finished();
+      start_slices();
       progress_.tell(state_);
       if (!is_done()) wait();
     }
