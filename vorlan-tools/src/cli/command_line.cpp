@@ -4,9 +4,13 @@
 #include "cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <new>
+#include <string>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "cli/exit_status.h"
 #include "cli/subcommands.h"
@@ -48,15 +52,29 @@ int perform(const Action& action) {
   return kData;
 }
 
+// What stands behind "--" of the subcommand `run` is the command line of another program, and never
+// read as ours. Shortens `argc`.
+std::vector<std::string> take_vorlan_arguments(int& argc, char** argv) {
+  std::vector<std::string> arguments;
+  if (argc < 2 || std::string_view(argv[1]) != "run") return arguments;
+  char** const end = argv + argc;
+  char** const marks = std::find(argv + 2, end, std::string_view("--"));
+  if (marks == end) return arguments;
+  arguments.assign(marks + 1, end);
+  argc = static_cast<int>(marks - argv);
+  return arguments;
+}
+
 }  // namespace
 
 int run_command_line(int argc, char** argv) {
+  const std::vector<std::string> vorlan_arguments = take_vorlan_arguments(argc, argv);
   CLI::App app("Reads, checks and converts reports of vorlan, and runs vorlan on all cores.",
                "vorlan-tools");
   app.set_version_flag("--version", std::string("vorlan-tools ") + VORLAN_TOOLS_VERSION);
   app.require_subcommand(1);
   Action action;
-  add_subcommands(app, action);
+  add_subcommands(app, action, vorlan_arguments);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

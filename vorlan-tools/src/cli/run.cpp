@@ -61,7 +61,8 @@ RunFiles files_of(const std::string& input, const std::string& report, bool mask
 /// As vorlan takes names: an input and perhaps a report; or with --reports only inputs.
 std::vector<RunFiles> files_of(const VorlanArguments& arguments, const RunChoices& choices) {
   const std::vector<std::string>& names = arguments.names;
-  if (names.empty()) throw UsageError("run needs an input file behind \"--\".");
+  if (names.empty())
+    throw UsageError("run needs an input file, and \"--\" in front of what is for vorlan.");
   std::vector<RunFiles> runs;
   if (choices.folder.empty()) {
     if (names.size() > 2) {
@@ -107,8 +108,9 @@ int run(RunChoices& choices) {
 
 }  // namespace
 
-void add_run(CLI::App& app, Action& action) {
+void add_run(CLI::App& app, Action& action, const std::vector<std::string>& vorlan_arguments) {
   const auto choices = std::make_shared<RunChoices>();
+  choices->arguments = vorlan_arguments;
   RunOptions& options = choices->options;
   options.jobs = std::max(1U, std::thread::hardware_concurrency());
   options.slice_size = kSliceSize;
@@ -126,10 +128,9 @@ void add_run(CLI::App& app, Action& action) {
   command->add_option("--reports", choices->folder,
                       "All names are inputs; write a report of each into this folder");
   command->add_option("--ending", choices->ending, "Ending of these reports (default: .txt)");
-  command
-      ->add_option("vorlan-arguments", choices->arguments,
-                   "Behind --: options of vorlan, input, report; - is standard input or output")
-      ->required();
+  command->footer(
+      "Behind these: -- VORLAN-OPTIONS INPUT [REPORT]. INPUT may be compressed, - is standard input;\n"
+      "REPORT is compressed if its name ends in .gz (default: standard output).");
   command->callback([&action, choices] { action = [choices] { return run(*choices); }; });
 }
 

@@ -10,11 +10,12 @@
 
 namespace vorlan_tools {
 
-void add_subcommands(CLI::App& app, Action& action) {
+void add_subcommands(CLI::App& app, Action& action,
+                     const std::vector<std::string>& vorlan_arguments) {
   add_check(app, action);
   add_convert(app, action);
   add_merge(app, action);
-  add_run(app, action);
+  add_run(app, action, vorlan_arguments);
 }
 
 }  // namespace vorlan_tools

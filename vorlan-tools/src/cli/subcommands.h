@@ -5,6 +5,8 @@
 
 #include <CLI/App.hpp>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace vorlan_tools {
 
@@ -14,6 +16,8 @@ using Action = std::function<int()>;
 
 /// Adds every subcommand to `app`. When one of them has been parsed, its work is found in `action`,
 /// which must live as long as `app`.
-void add_subcommands(CLI::App& app, Action& action);
+/// `vorlan_arguments` is what stands behind "--" of the subcommand `run`.
+void add_subcommands(CLI::App& app, Action& action,
+                     const std::vector<std::string>& vorlan_arguments);
 
 }  // namespace vorlan_tools

@@ -46,10 +46,11 @@ void refuse_if_input(const std::string& output, const char* role,
 /// Also for files that do not exist yet, which have no identity: their folder has.
 bool lead_to_one_file(const std::string& one, const std::string& other) {
   if (one == "-" || other == "-") return false;
-  std::error_code error;
-  return std::filesystem::weakly_canonical(one, error) ==
-             std::filesystem::weakly_canonical(other, error) ||
-         is_same_file(one, other);
+  const auto resolved = [](const std::string& name) {
+    std::error_code error;
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(name), error);
+  };
+  return resolved(one) == resolved(other) || is_same_file(one, other);
 }
 
 void refuse_shared_outputs(const std::vector<RunFiles>& runs) {

@@ -85,12 +85,14 @@ std::string_view InputText::next() {
   while (!at_end_ && (filled_ == 0 || (buffer_[filled_ - 1] == '>' && filled_ < buffer_.size()))) {
     read_more();
   }
+  delivered_ += filled_;
   return {buffer_.data(), filled_};
 }
 
-std::optional<double> InputText::share_read() const {
-  if (size_ == 0 || file_ == nullptr) return std::nullopt;
-  return static_cast<double>(htell(file_->fp)) / static_cast<double>(size_);
+std::optional<double> InputText::share_used(std::size_t unused) const {
+  if (size_ == 0 || delivered_ == 0) return std::nullopt;
+  const double read = static_cast<double>(htell(file_->fp)) / static_cast<double>(size_);
+  return read * static_cast<double>(delivered_ - unused) / static_cast<double>(delivered_);
 }
 
 }  // namespace vorlan_tools

@@ -28,8 +28,12 @@ class InputText {
   /// only if it is the last of all. Throws DataError if the input is damaged or cut short.
   std::string_view next();
 
-  /// How much of the file has been read, from 0 to 1; absent if its size is not known.
-  std::optional<double> share_read() const;
+  /// Whether share_used() tells anything.
+  bool knows_size() const { return size_ != 0; }
+
+  /// How much of the file has been used, from 0 to 1, if the last `unused` bytes of what was delivered
+  /// have not been; absent if its size is not known. An estimate for compressed files.
+  std::optional<double> share_used(std::size_t unused) const;
 
  private:
   void read_more();
@@ -44,6 +48,7 @@ class InputText {
   bool at_end_ = false;
   std::vector<char> buffer_;
   std::size_t filled_ = 0;
+  std::uint64_t delivered_ = 0;  ///< bytes of text so far
 };
 
 }  // namespace vorlan_tools

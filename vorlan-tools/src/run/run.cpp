@@ -26,6 +26,9 @@ namespace vorlan_tools {
 namespace {
 
 /// How vorlan ends, as its manual lists it.
+constexpr int kNotParsed = 1;
+constexpr int kSettingsRefused = 255;
+constexpr int kChoiceUnknown = 254;
 constexpr int kMalformedInput = 231;
 constexpr int kOutputNotWritten = 154;
 constexpr int kNotEnoughMemory = 153;
@@ -89,11 +92,9 @@ class HeadRun {
     command.arguments.insert(command.arguments.end(), {"--", "head.fa"});
     const int status = wait_for(start(command));
     if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return 0;
+    if (!is_refusal(status)) throw DataError(options_.vorlan + " " + reason_of_end(status) + ".");
     const std::string messages = read_small_file(folder_.file("head.messages"));
     std::fwrite(messages.data(), 1, messages.size(), stderr);
-    if (messages.empty() || !WIFEXITED(status)) {
-      throw DataError(options_.vorlan + " " + reason_of_end(status) + ".");
-    }
     return WEXITSTATUS(status);
   }
 
@@ -103,6 +104,12 @@ class HeadRun {
   }
 
  private:
+  static bool is_refusal(int wait_status) {
+    if (!WIFEXITED(wait_status)) return false;
+    const int status = WEXITSTATUS(wait_status);
+    return status == kNotParsed || status == kSettingsRefused || status == kChoiceUnknown;
+  }
+
   const WorkFolder& folder_;
   const RunOptions& options_;
 };
@@ -120,7 +127,9 @@ class SliceLoop {
         report_(report),
         masks_(!files.masked.empty()),
         progress_(files.input, options.is_quiet),
-        queue_(files.input, folder.path(), options.slice_size, options.jobs) {}
+        queue_(files.input, folder.path(), options.slice_size, options.jobs) {
+    if (queue_.knows_size()) state_.share = 0;
+  }
 
   /// Returns whether the input was well formed to its end. Throws DataError and Interrupted.
   bool execute() {
@@ -191,7 +200,7 @@ class SliceLoop {
   void count(const Slice& slice) {
     state_.bases += slice.counts.bases;
     state_.records += slice.counts.records;
-    if (slice.input_share) state_.share = state_.share.value_or(0) + *slice.input_share;
+    if (slice.input_share && state_.share) *state_.share += *slice.input_share;
   }
 
   void take_ended() {
@@ -299,7 +308,6 @@ class Run {
         "slices of " + std::to_string(options_.slice_size) + " bytes\n" + head_text;
     const std::string earlier = folder_.settings();
     if (!earlier.empty() && earlier != settings) {
-      folder_.keep();
       throw UsageError("The run in " + folder_.path() +
                        " was another one: without --resume, this one begins anew in its place.");
     }

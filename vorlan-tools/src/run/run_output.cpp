@@ -25,13 +25,12 @@ bool is_stream(const std::string& name) {
 
 }  // namespace
 
-RunOutput::RunOutput(std::string name)
-    : name_(std::move(name)),
-      target_(fs::weakly_canonical(name_).string()),
-      is_file_(!is_stream(name_)) {}
+RunOutput::RunOutput(std::string name) : name_(std::move(name)), is_file_(!is_stream(name_)) {
+  if (is_file_) target_ = fs::weakly_canonical(fs::absolute(name_)).string();
+}
 
 WorkFolder RunOutput::make_folder(bool resumes) const {
-  if (is_file_) return WorkFolder::beside(fs::absolute(target_).string() + ".vorlan-run", resumes);
+  if (is_file_) return WorkFolder::beside(target_ + ".vorlan-run", resumes);
   if (resumes) {
     throw UsageError("Only a run with a report file can be resumed, not one that writes to " +
                      (name_ == "-" ? "standard output." : name_ + "."));

@@ -41,7 +41,7 @@ class RunOutput {
 
  private:
   std::string name_;
-  std::string target_;  ///< behind all links
+  std::string target_;  ///< of a file: its absolute path, behind all links
   std::string made_at_;
   bool is_file_;
   std::unique_ptr<OutputFile> file_;

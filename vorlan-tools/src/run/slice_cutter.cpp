@@ -45,7 +45,7 @@ std::optional<Slice> SliceCutter::next() {
   file.finish();
   slice_.counts = scanner_.take_counts();
   slice_.digest = digest_.take();
-  slice_.input_share = input_.share_read();
+  slice_.input_share = input_.share_used(rest_.size());
   if (slice_.input_share) {
     const double before = std::exchange(share_before_, *slice_.input_share);
     *slice_.input_share -= before;

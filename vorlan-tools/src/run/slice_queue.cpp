@@ -11,6 +11,7 @@ SliceQueue::SliceQueue(const std::string& name, const std::string& folder, std::
                        std::size_t ahead)
     : input_(name, stop_.descriptor()),
       cutter_(input_, folder, slice_size),
+      knows_size_(input_.knows_size()),
       ahead_(ahead),
       thread_([this] { cut_all(); }) {}
 

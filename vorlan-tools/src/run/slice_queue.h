@@ -41,6 +41,9 @@ class SliceQueue {
   /// Throws what went wrong with the input, if anything, once the queue is exhausted.
   void rethrow_failure();
 
+  /// Whether slices tell what share of the input they are.
+  bool knows_size() const { return knows_size_; }
+
   /// Readable when something has changed; the one who waits resets it.
   Event& changed() { return changed_; }
 
@@ -52,6 +55,7 @@ class SliceQueue {
   Event changed_;
   InputText input_;
   SliceCutter cutter_;
+  bool knows_size_;
   std::size_t ahead_;
   std::mutex mutex_;
   std::condition_variable room_;

@@ -16,7 +16,7 @@ struct VorlanArguments {
   /// --firstSeq and --lastSeq with their values.
   std::vector<std::string> range;
   std::vector<std::string> names;
-  bool masks = false;        ///< --maskX was given
+  bool masks = false;          ///< --maskX was given
   bool asks_for_text = false;  ///< --help or --version was given: nothing is to be searched
 };
 

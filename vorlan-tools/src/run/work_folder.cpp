@@ -50,8 +50,9 @@ WorkFolder WorkFolder::beside(const std::string& path, bool resumes) {
   if (::mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) fail("make", path);
   folder.check_that_it_is_ours();
   folder.lock();
-  if (!resumes || folder.settings().empty()) folder.empty();
-  folder.is_kept_ = false;
+  const bool has_work = resumes && !folder.settings().empty();
+  if (!has_work) folder.empty();
+  folder.is_kept_ = has_work;
   return folder;
 }
 
