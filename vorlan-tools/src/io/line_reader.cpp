@@ -38,10 +38,19 @@ LineReader::LineReader(const std::string& name)
     : name_(name == "-" ? "standard input" : name), file_(nullptr), buffer_(kBufferSize) {
   const int descriptor = open_descriptor(name);
   if (descriptor < 0) throw DataError("Cannot open " + name_ + ": " + std::strerror(errno) + ".");
+  open(descriptor);
+}
+
+LineReader::LineReader(int descriptor, const std::string& name)
+    : name_(name), file_(nullptr), buffer_(kBufferSize) {
+  open(descriptor);
+}
+
+void LineReader::open(int descriptor) {
   file_ = bgzf_dopen(descriptor, "r");
   if (file_ == nullptr) {
     ::close(descriptor);
-    throw DataError("Cannot read " + name_ + ".");
+    throw DataError("Cannot read " + name_ + ": the file is empty or damaged.");
   }
 }
 

@@ -21,6 +21,9 @@ class LineReader {
  public:
   /// Opens `name`; "-" is standard input. Throws DataError if that fails.
   explicit LineReader(const std::string& name);
+
+  /// Reads from `descriptor`, which this object closes; `name` is for messages.
+  LineReader(int descriptor, const std::string& name);
   ~LineReader();
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
@@ -51,6 +54,7 @@ class LineReader {
   /// False if nothing is left.
   bool find_line_end();
   bool refill();
+  void open(int descriptor);
 
   std::string name_;
   BGZF* file_;

@@ -29,8 +29,17 @@ class OutputFile {
   /// Throws DataError if the bytes cannot be written; that may show at a later call or in finish().
   void write(std::string_view bytes);
 
-  /// Writes what is left and gives the file its name. Nothing may be written afterwards.
-  void finish();
+  /// Writes what is left; nothing may be written afterwards. The bytes lie under path() then.
+  void close();
+
+  /// Gives the closed file its final name.
+  void commit() { pending_.commit(); }
+
+  /// Both.
+  void finish() {
+    close();
+    commit();
+  }
 
   /// Where the bytes go before finish().
   const std::string& path() const { return pending_.path(); }
