@@ -3,6 +3,8 @@
 
 #include "cli/command_line.h"
 
+#include <htslib/hts_log.h>
+
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <new>
@@ -48,6 +50,8 @@ int perform(const Action& action) {
 }  // namespace
 
 int run_command_line(int argc, char** argv) {
+  // What htslib has to say comes as one sentence of this program.
+  hts_set_log_level(HTS_LOG_OFF);
   CLI::App app("Reads, checks and converts reports of vorlan, and runs vorlan on all cores.",
                "vorlan-tools");
   app.set_version_flag("--version", std::string("vorlan-tools ") + VORLAN_TOOLS_VERSION);

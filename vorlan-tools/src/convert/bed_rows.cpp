@@ -14,10 +14,10 @@ namespace {
 
 class BedRows : public RowFormat {
  public:
-  void append_head(std::string& /*text*/, const Head& /*head*/) override {}
+  void append_head(std::string& /*text*/, const Head& /*head*/,
+                   const std::vector<ListedSequence>& /*sequences*/) override {}
 
-  void begin_sequence(std::string& /*text*/, const Sequence& /*sequence*/,
-                      std::string_view name) override {
+  void begin_sequence(const Sequence& /*sequence*/, std::string_view name) override {
     require_bed_name(name);
     name_ = name;
   }

@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include "convert/sequence_names.h"
 #include "errors.h"
 
 namespace vorlan_tools {
@@ -45,6 +46,10 @@ void require_sense(const Conversion& conversion) {
   if (is_same_file(conversion.report, conversion.output)) {
     throw UsageError("The output " + conversion.output + " is the report itself.");
   }
+}
+
+std::string_view written_name(std::string_view name, const Conversion& conversion) {
+  return conversion.cut_names ? until_white_space(name) : name;
 }
 
 void require_alignments(const Head& head, const std::string& report) {

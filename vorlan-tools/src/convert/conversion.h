@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "convert/repeat_filter.h"
 #include "io/output_file.h"
@@ -32,6 +33,9 @@ void require_sense(const Conversion& conversion);
 /// Reads the report and writes the output, whole or not at all. Constant memory but for the names
 /// of the sequences. Throws DataError.
 void convert(const Conversion& conversion);
+
+/// A name as it is to be written.
+std::string_view written_name(std::string_view name, const Conversion& conversion);
 
 /// Throws DataError if a report with that head shows no alignments.
 void require_alignments(const Head& head, const std::string& report);

@@ -2,7 +2,6 @@
 // SPDX-FileCopyrightText: the Vorlan authors
 
 #include <htslib/hfile.h>
-#include <htslib/hts_log.h>
 #include <htslib/sam.h>
 
 #include <algorithm>
@@ -21,8 +20,8 @@
 #include "io/line_reader.h"
 #include "io/pending_file.h"
 #include "io/rereadable_input.h"
-#include "report/field_cursor.h"
 #include "report/report_reader.h"
+#include "report/sequence_list.h"
 
 // The perfect repeat is the read, the sequence the reference that it is mapped to. SAM wants all
 // sequences with their lengths before the first alignment, so the report is read twice: first only
@@ -31,17 +30,11 @@
 // A repeat is written as
 //     QNAME  r1, r2, ... by the order in the report, also when repeats are filtered out
 //     FLAG 0, MAPQ 255 (not available), CIGAR with = X I D, SEQ the perfect repeat, QUAL *
-//     NM, MD, AS (the score), RG; ul unit length, un unit, mo motif, cn copies, pf perfection
+//     NM, MD, AS (the score); ul unit length, un unit, mo motif, cn copies, pf perfection
 
 namespace vorlan_tools {
 
 namespace {
-
-constexpr std::string_view kReadGroup = "vorlan";
-
-std::string_view written_name(std::string_view name, const Conversion& conversion) {
-  return conversion.cut_names ? until_white_space(name) : name;
-}
 
 /// Sequences of the report in their order; those without bases cannot be named in SAM.
 struct SequenceList {
@@ -69,30 +62,24 @@ struct SequenceList {
   }
 };
 
-/// Only lines that name a sequence begin with '>' behind the head: entries begin with a blank or a
-/// digit, alignments with a base, a colon, a bar, a blank, '-' or '*', other lines with a letter or
-/// '#'.
-SequenceList list_sequences(const RereadableInput& input, const Conversion& conversion) {
-  LineReader lines(input.open_again(), input.name());
-  require_alignments(read_head(lines), input.name());
+SequenceList sam_sequences(const RereadableInput& input, const Conversion& conversion) {
   SequenceList list;
-  std::string name;
-  std::string_view line;
-  while (lines.next(line)) {
-    if (line.empty() || line[0] != '>') continue;
-    name = written_name(line.substr(1, line.find(' ') - 1), conversion);
-    std::int64_t length = -1;
-    if (lines.next(line)) FieldCursor(line).literal("sequence length: ").number(length);
-    if (length < 0)
-      throw LineError(lines.name(), lines.line_number(), "the length of the sequence is missing.");
-    list.add(name, length);
+  for (const ListedSequence& sequence : list_sequences(input)) {
+    list.add(written_name(sequence.name, conversion), sequence.length);
   }
   return list;
 }
 
+Head head_with_alignments(const RereadableInput& input) {
+  LineReader lines(input.open_again(), input.name());
+  Head head = read_head(lines);
+  require_alignments(head, input.name());
+  return head;
+}
+
 std::string header_text(const SequenceList& sequences, const Head& head) {
   std::string text = "@HD\tVN:1.6\tSO:coordinate\n" + sequences.header_lines;
-  ((text += "@RG\tID:") += kReadGroup) += "\tSM:perfect_repeats\n@PG\tID:vorlan\tPN:vorlan";
+  text += "@PG\tID:vorlan\tPN:vorlan";
   const bool is_plain = head.version.find_first_not_of("0123456789.") == std::string::npos;
   if (is_plain && !head.version.empty()) (text += "\tVN:") += head.version;
   return text += '\n';
@@ -110,7 +97,6 @@ class AlignmentFile {
  public:
   AlignmentFile(const Conversion& conversion, const SequenceList& sequences, const Head& head)
       : pending_(conversion.output), record_(bam_init1()) {
-    hts_set_log_level(HTS_LOG_OFF);
     open(conversion);
     const std::string text = header_text(sequences, head);
     header_.reset(sam_hdr_parse(text.size(), text.c_str()));
@@ -179,7 +165,7 @@ class RecordWriter {
   explicit RecordWriter(AlignmentFile& file) : file_(file) {}
 
   void write(const Repeat& repeat, std::int32_t sequence, std::int64_t number) {
-    name_ = "r";
+    name_.assign(1, 'r');
     append_number(name_, number);
     set_cigar(repeat);
     query_.clear();
@@ -252,8 +238,6 @@ class RecordWriter {
     append_md(text_, repeat);
     add_text("MD", text_);
     add_number("AS", repeat.score.value_or(0));
-    text_ = kReadGroup;
-    add_text("RG", text_);
     add_number("ul", repeat.unit_length);
     add_text("un", repeat.unit);
     find_motif(repeat, text_);
@@ -281,9 +265,10 @@ void require_order(const ReportReader& report, std::int64_t last_start) {
 
 void convert_to_alignments(const Conversion& conversion) {
   const RereadableInput input(conversion.report);
-  const SequenceList sequences = list_sequences(input, conversion);
+  const Head head = head_with_alignments(input);
+  const SequenceList sequences = sam_sequences(input, conversion);
   ReportReader report(input.open_again(), input.name());
-  AlignmentFile file(conversion, sequences, report.head());
+  AlignmentFile file(conversion, sequences, head);
   RecordWriter writer(file);
   std::int64_t number = 0;
   std::int64_t last_start = 0;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include <htslib/hts_log.h>
 #include <htslib/tbx.h>
 
 #include <algorithm>
 #include <optional>
+#include <unordered_map>
 
 #include "convert/conversion.h"
 #include "convert/index_order.h"
@@ -14,6 +14,7 @@
 #include "convert/sorted_rows.h"
 #include "errors.h"
 #include "io/pending_file.h"
+#include "io/rereadable_input.h"
 #include "report/report_reader.h"
 
 namespace vorlan_tools {
@@ -46,15 +47,13 @@ class RowWriter {
 
   void write_head(std::string_view text) { output_.write(text); }
 
-  /// Row 0 to 0 is that of the sequence itself.
   void write(std::string_view name, std::int64_t start, std::int64_t end, std::string_view row) {
-    if (row.empty()) return;
     if (sorted_) {
       sorted_->add(name, start, end, row);
     } else {
       output_.write(row);
     }
-    if (!must_index_ || start == 0) return;
+    if (!must_index_) return;
     if (!sorted_) order_.add(name, start, end);
     longest_end_ = std::max(longest_end_, end);
   }
@@ -68,7 +67,6 @@ class RowWriter {
     }
     const bool is_csi = longest_end_ > IndexOrder::kPlainIndexLimit;
     PendingFile index(conversion.output + (is_csi ? ".csi" : ".tbi"));
-    hts_set_log_level(HTS_LOG_OFF);
     const tbx_conf_t* const layout =
         conversion.target == Target::kBed ? &tbx_conf_bed : &tbx_conf_gff;
     const int result =
@@ -87,39 +85,60 @@ class RowWriter {
   std::int64_t longest_end_ = 0;
 };
 
-}  // namespace
+/// Each name once, with the greatest length that a sequence of that name has.
+std::vector<ListedSequence> written_sequences(const RereadableInput& input,
+                                              const Conversion& conversion) {
+  std::vector<ListedSequence> sequences;
+  std::unordered_map<std::string, std::size_t> places;
+  for (const ListedSequence& listed : list_sequences(input)) {
+    const std::string name(written_name(listed.name, conversion));
+    const auto [place, is_new] = places.try_emplace(name, sequences.size());
+    if (is_new) sequences.push_back({name, listed.length});
+    std::int64_t& length = sequences[place->second].length;
+    length = std::max(length, listed.length);
+  }
+  return sequences;
+}
 
-void convert_to_rows(const Conversion& conversion) {
-  ReportReader report(conversion.report);
-  if (conversion.target == Target::kPaf) require_alignments(report.head(), report.name());
-  const std::unique_ptr<RowFormat> format = rows_of(conversion.target);
+void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& report,
+                const std::vector<ListedSequence>& sequences) {
   RowWriter writer(conversion);
   std::string text;
-  format->append_head(text, report.head());
+  format.append_head(text, report.head(), sequences);
   writer.write_head(text);
   std::string name;
   bool is_begun = false;
-  const auto begin_sequence = [&] {
-    text.clear();
-    format->begin_sequence(text, report.sequence(), name);
-    writer.write(name, 0, 0, text);
-    is_begun = true;
-  };
   for (auto item = report.next(); item != ReportReader::Item::kEnd; item = report.next()) {
     if (item == ReportReader::Item::kSequence) {
-      const std::string& full = report.sequence().name;
-      name = conversion.cut_names ? until_white_space(full) : std::string_view(full);
+      name = written_name(report.sequence().name, conversion);
       is_begun = false;
       continue;
     }
     const Repeat& repeat = report.repeat();
     if (!conversion.filter.keeps(repeat)) continue;
-    if (!is_begun) begin_sequence();
+    if (!is_begun) format.begin_sequence(report.sequence(), name);
+    is_begun = true;
     text.clear();
-    format->append_repeat(text, repeat);
+    format.append_repeat(text, repeat);
     writer.write(name, repeat.start, repeat.end, text);
   }
   writer.finish(conversion);
+}
+
+}  // namespace
+
+void convert_to_rows(const Conversion& conversion) {
+  const std::unique_ptr<RowFormat> format = rows_of(conversion.target);
+  if (!format->needs_sequences()) {
+    ReportReader report(conversion.report);
+    if (conversion.target == Target::kPaf) require_alignments(report.head(), report.name());
+    write_rows(conversion, *format, report, {});
+    return;
+  }
+  const RereadableInput input(conversion.report);
+  const std::vector<ListedSequence> sequences = written_sequences(input, conversion);
+  ReportReader report(input.open_again(), input.name());
+  write_rows(conversion, *format, report, sequences);
 }
 
 }  // namespace vorlan_tools

@@ -20,20 +20,28 @@ std::string_view type_of(std::int64_t unit_length) {
   return unit_length <= 40 ? "minisatellite" : "tandem_repeat";
 }
 
+/// All regions stand before the rows, since tabix knows no directives among them.
+void append_region(std::string& text, const ListedSequence& sequence) {
+  if (sequence.length == 0) return;
+  ((text += "##sequence-region ") += gff3_name(sequence.name)) += " 1 ";
+  append_number(text, sequence.length);
+  text += '\n';
+}
+
 class Gff3Rows : public RowFormat {
  public:
-  void append_head(std::string& text, const Head& head) override {
+  bool needs_sequences() const override { return true; }
+
+  void append_head(std::string& text, const Head& head,
+                   const std::vector<ListedSequence>& sequences) override {
     text += "##gff-version 3\n#!processor vorlan ";
     append_gff3_value(text, head.version);
     text += '\n';
+    for (const ListedSequence& sequence : sequences) append_region(text, sequence);
   }
 
-  void begin_sequence(std::string& text, const Sequence& sequence, std::string_view name) override {
+  void begin_sequence(const Sequence& /*sequence*/, std::string_view name) override {
     name_ = gff3_name(name);
-    if (!sequence.length || *sequence.length == 0) return;
-    ((text += "##sequence-region ") += name_) += " 1 ";
-    append_number(text, *sequence.length);
-    text += '\n';
   }
 
   void append_repeat(std::string& text, const Repeat& repeat) override {

@@ -23,10 +23,10 @@ void append_hex_bytes(std::string& text, std::string_view bytes) {
 /// says of bases, counts and events is taken over as it stands, once it is known to need none.
 class JsonRows : public RowFormat {
  public:
-  void append_head(std::string& /*text*/, const Head& /*head*/) override {}
+  void append_head(std::string& /*text*/, const Head& /*head*/,
+                   const std::vector<ListedSequence>& /*sequences*/) override {}
 
-  void begin_sequence(std::string& /*text*/, const Sequence& sequence,
-                      std::string_view name) override {
+  void begin_sequence(const Sequence& sequence, std::string_view name) override {
     bool is_exact = true;
     opening_ = "{\"sequence\":" + json_string(name, is_exact);
     append_bytes_if_lost("sequence_bytes", name, is_exact);

@@ -6,9 +6,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "report/head.h"
 #include "report/repeat.h"
+#include "report/sequence_list.h"
 
 namespace vorlan_tools {
 
@@ -20,14 +22,16 @@ class RowFormat {
   RowFormat(const RowFormat&) = delete;
   RowFormat& operator=(const RowFormat&) = delete;
 
-  /// What stands before all rows.
-  virtual void append_head(std::string& text, const Head& head) = 0;
+  /// Whether append_head() wants the sequences; it gets none otherwise.
+  virtual bool needs_sequences() const { return false; }
 
-  /// Called before the repeats of a sequence; appends what stands before its rows. `name` is its
-  /// name as it is to be written (perhaps cut). Throws DataError if the target cannot hold the
-  /// sequence.
-  virtual void begin_sequence(std::string& text, const Sequence& sequence,
-                              std::string_view name) = 0;
+  /// What stands before all rows. The names of `sequences` are those to be written (perhaps cut).
+  virtual void append_head(std::string& text, const Head& head,
+                           const std::vector<ListedSequence>& sequences) = 0;
+
+  /// Called before the repeats of a sequence. `name` is its name as it is to be written (perhaps
+  /// cut). Throws DataError if the target cannot hold the sequence.
+  virtual void begin_sequence(const Sequence& sequence, std::string_view name) = 0;
 
   /// The row of a repeat of that sequence, with its line feed.
   virtual void append_repeat(std::string& text, const Repeat& repeat) = 0;

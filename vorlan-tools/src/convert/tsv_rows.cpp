@@ -13,15 +13,15 @@ namespace {
 
 class TsvRows : public RowFormat {
  public:
-  void append_head(std::string& text, const Head& /*head*/) override {
+  void append_head(std::string& text, const Head& /*head*/,
+                   const std::vector<ListedSequence>& /*sequences*/) override {
     text +=
         "sequence\tstart\tend\tunit_"
         "length\tunit\tmotif\tbases\tlength\tcopies\tscore\tperfection\tmismatches\t"
         "insertions\tdeletions\tns\tcigar\n";
   }
 
-  void begin_sequence(std::string& /*text*/, const Sequence& /*sequence*/,
-                      std::string_view name) override {
+  void begin_sequence(const Sequence& /*sequence*/, std::string_view name) override {
     name_ = tsv_name(name);
   }
 
