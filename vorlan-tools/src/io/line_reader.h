@@ -54,7 +54,6 @@ class LineReader {
   /// False if nothing is left.
   bool find_line_end();
   bool refill();
-  void open(int descriptor);
 
   std::string name_;
   BGZF* file_;
