@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "check/entry_text.h"
+#include "check/unit_distance.h"
 #include "check/unit_forms.h"
 #include "report/field_cursor.h"
 
@@ -43,6 +44,18 @@ std::int64_t longest_n_run(std::string_view bases) {
   return longest;
 }
 
+/// Where the length is not stated, the number of copies tells.
+std::int64_t length_of(const Repeat& repeat) {
+  if (repeat.length) return *repeat.length;
+  return std::llround(static_cast<double>(repeat.copies) * static_cast<double>(repeat.unit_length) /
+                      1000.0);
+}
+
+/// How many bases of a length do not fit at a perfection, at most.
+std::int64_t misfits_of(std::int64_t length, Thousandths perfection) {
+  return std::llround(static_cast<double>(length) * (1.0 - static_cast<double>(perfection) / 1e5));
+}
+
 std::string percent(Thousandths value) {
   return std::to_string(static_cast<double>(value) / 1000.0);
 }
@@ -62,6 +75,7 @@ void RepeatCheck::run(const Sequence& sequence, const Repeat& repeat,
     check_facts(repeat, *facts);
   } else {
     check_stated(repeat, bases);
+    check_unit_by_distance(repeat, bases);
   }
   check_unit(repeat, facts ? std::string_view(facts->motif) : std::string_view());
   check_selection(repeat);
@@ -192,15 +206,30 @@ void RepeatCheck::check_stated(const Repeat& repeat, std::string_view bases) {
   check_counts(repeat, counts, *repeat.length);
 }
 
+/// Without alignment, the unit must at least explain the bases with as few edits as are stated.
+void RepeatCheck::check_unit_by_distance(const Repeat& repeat, std::string_view bases) {
+  constexpr std::int64_t kLargestTable = 100'000'000;
+  const bool is_known =
+      !repeat.has_alignment() && !repeat.unit.empty() && size_of(bases) == repeat.bases;
+  if (!is_known || repeat.bases * size_of(repeat.unit) > kLargestTable) return;
+  const std::int64_t edits = repeat.mismatches
+                                 ? *repeat.mismatches + *repeat.insertions + *repeat.deletions
+                                 : misfits_of(length_of(repeat), repeat.perfection);
+  const bool ns_fit = bridges_ns(settings_);
+  std::int64_t distance = distance_from_unit(bases, repeat.unit, ns_fit);
+  if (distance > edits && settings_.unit_mode == UnitMode::kReverseComplement) {
+    distance = distance_from_unit(bases, reverse_complement(repeat.unit), ns_fit);
+  }
+  if (distance <= edits) return;
+  add(repeat, "the unit " + repeat.unit + " does not explain the bases with " +
+                  std::to_string(edits) + " edits");
+}
+
 /// Copies follow from the length. Where only copies and perfection are stated, some whole length
 /// and some whole number of bases that do not fit must give them.
 void RepeatCheck::check_shares(const Repeat& repeat) {
   const auto unit_length = static_cast<float>(repeat.unit_length);
-  std::int64_t length = repeat.length.value_or(0);
-  if (!repeat.length) {
-    length = std::llround(static_cast<double>(repeat.copies) *
-                          static_cast<double>(repeat.unit_length) / 1000.0);
-  }
+  const std::int64_t length = length_of(repeat);
   if (thousandths_of(static_cast<float>(length) / unit_length) != repeat.copies) {
     add(repeat, "the number of copies does not fit the length");
   }
@@ -212,9 +241,7 @@ void RepeatCheck::check_shares(const Repeat& repeat) {
   if (repeat.mismatches || settings_.n_perfection_mode == NPerfectionMode::kAsNeutral ||
       length <= 0)
     return;
-  const double misfits =
-      static_cast<double>(length) * (1.0 - static_cast<double>(repeat.perfection) / 1e5);
-  const EditCounts counts{std::llround(misfits), 0, 0, 0};
+  const EditCounts counts{misfits_of(length, repeat.perfection), 0, 0, 0};
   if (thousandths_of(perfection_of(counts, length, settings_)) != repeat.perfection) {
     add(repeat, "no number of edits gives this perfection");
   }

@@ -40,6 +40,7 @@ class RepeatCheck {
   void check_counts(const Repeat& repeat, const EditCounts& counts, std::int64_t length);
   void check_stated(const Repeat& repeat, std::string_view bases);
   void check_shares(const Repeat& repeat);
+  void check_unit_by_distance(const Repeat& repeat, std::string_view bases);
   void check_ns(const Repeat& repeat, std::string_view bases);
   void check_unit(const Repeat& repeat, std::string_view motif);
   void check_selection(const Repeat& repeat);
