@@ -6,32 +6,38 @@
 #include <memory>
 #include <string>
 
+#include "check/report_check.h"
 #include "cli/exit_status.h"
-#include "io/line_reader.h"
-#include "report/head.h"
+#include "errors.h"
 
 namespace vorlan_tools {
 
 namespace {
 
-struct CheckOptions {
-  std::string report;
-};
-
-int check(const CheckOptions& options) {
-  LineReader lines(options.report);
-  read_head(lines);
-  return kSuccess;
+int run_check(const CheckRequest& request) {
+  if (request.report == "-" && request.fasta == "-") {
+    throw UsageError("Only one of report and FASTA can be standard input.");
+  }
+  const std::uint64_t count = check_report(request);
+  if (count == 0) return kSuccess;
+  const std::string name = request.report == "-" ? "standard input" : request.report;
+  throw DataError("The report " + name + " does not hold: " + std::to_string(count) +
+                  (count == 1 ? " fault" : " faults") +
+                  (count == request.limit ? ", perhaps more (see --limit)." : "."));
 }
 
 }  // namespace
 
 void add_check(CLI::App& app, Action& action) {
-  const auto options = std::make_shared<CheckOptions>();
-  CLI::App* command = app.add_subcommand("check", "Recompute every number of a report");
-  command->add_option("report", options->report, "Report to check; - is standard input")
+  const auto request = std::make_shared<CheckRequest>();
+  CLI::App* const command = app.add_subcommand("check", "Recompute every number of a report");
+  command->add_option("report", request->report, "Report to check; - is standard input")
       ->required();
-  command->callback([&action, options] { action = [options] { return check(*options); }; });
+  command->add_option("-g,--genome", request->fasta,
+                      "FASTA file of the run: compare the bases too");
+  command->add_option("--limit", request->limit,
+                      "End after so many faults (default 100; 0: never)");
+  command->callback([&action, request] { action = [request] { return run_check(*request); }; });
 }
 
 }  // namespace vorlan_tools

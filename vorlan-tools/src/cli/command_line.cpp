@@ -3,6 +3,8 @@
 
 #include "cli/command_line.h"
 
+#include <htslib/hts_log.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
@@ -69,6 +71,8 @@ std::vector<std::string> take_vorlan_arguments(int& argc, char** argv) {
 
 int run_command_line(int argc, char** argv) {
   const std::vector<std::string> vorlan_arguments = take_vorlan_arguments(argc, argv);
+  // What htslib has to say comes as one sentence of this program.
+  hts_set_log_level(HTS_LOG_OFF);
   CLI::App app("Reads, checks and converts reports of vorlan, and runs vorlan on all cores.",
                "vorlan-tools");
   app.set_version_flag("--version", std::string("vorlan-tools ") + VORLAN_TOOLS_VERSION);

@@ -3,15 +3,12 @@
 
 #include "io/line_reader.h"
 
-#include <fcntl.h>
 #include <htslib/bgzf.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
 
 #include "errors.h"
+#include "io/open_input.h"
 
 namespace vorlan_tools {
 
@@ -19,31 +16,13 @@ namespace {
 
 constexpr std::size_t kBufferSize = 256 * 1024;
 
-/// Opened by descriptor: a name such as "http://x" means a file here, never an address.
-int open_descriptor(const std::string& name) {
-  if (name == "-") return ::dup(STDIN_FILENO);
-  const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-  struct stat status {};
-  if (descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-    ::close(descriptor);
-    errno = EISDIR;
-    return -1;
-  }
-  return descriptor;
-}
-
 }  // namespace
 
 LineReader::LineReader(const std::string& name)
-    : name_(name == "-" ? "standard input" : name), file_(nullptr), buffer_(kBufferSize) {
-  const int descriptor = open_descriptor(name);
-  if (descriptor < 0) throw DataError("Cannot open " + name_ + ": " + std::strerror(errno) + ".");
-  file_ = bgzf_dopen(descriptor, "r");
-  if (file_ == nullptr) {
-    ::close(descriptor);
-    throw DataError("Cannot read " + name_ + ".");
-  }
-}
+    : name_(shown_input_name(name)), file_(open_input(name)), buffer_(kBufferSize) {}
+
+LineReader::LineReader(int descriptor, const std::string& name)
+    : name_(name), file_(open_input(descriptor, name)), buffer_(kBufferSize) {}
 
 LineReader::~LineReader() { bgzf_close(file_); }
 

@@ -21,6 +21,9 @@ class LineReader {
  public:
   /// Opens `name`; "-" is standard input. Throws DataError if that fails.
   explicit LineReader(const std::string& name);
+
+  /// Reads from `descriptor`, which this object closes; `name` is for messages.
+  LineReader(int descriptor, const std::string& name);
   ~LineReader();
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;

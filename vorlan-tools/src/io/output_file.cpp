@@ -71,7 +71,7 @@ void OutputFile::flush() {
   buffer_.clear();
 }
 
-void OutputFile::finish() {
+void OutputFile::close() {
   if (bgzf_ != nullptr) {
     BGZF* const file = bgzf_;
     bgzf_ = nullptr;
@@ -79,7 +79,6 @@ void OutputFile::finish() {
   } else {
     flush();
   }
-  pending_.commit();
 }
 
 }  // namespace vorlan_tools

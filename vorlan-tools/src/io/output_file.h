@@ -32,8 +32,17 @@ class OutputFile {
   /// Hands over what was written so far, so that a reader of a pipe gets it.
   void flush();
 
-  /// Writes what is left and gives the file its name. Nothing may be written afterwards.
-  void finish();
+  /// Writes what is left; nothing may be written afterwards. The bytes lie under path() then.
+  void close();
+
+  /// Gives the closed file its final name.
+  void commit() { pending_.commit(); }
+
+  /// Both.
+  void finish() {
+    close();
+    commit();
+  }
 
   /// Where the bytes go before finish().
   const std::string& path() const { return pending_.path(); }

@@ -6,7 +6,6 @@
 #include <fcntl.h>
 #include <htslib/bgzf.h>
 #include <htslib/hfile.h>
-#include <htslib/hts_log.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,8 +38,6 @@ InputText::InputText(const std::string& name, int stop)
     at_end_ = S_ISDIR(status.st_mode);
   }
   if (at_end_) return;
-  // It would print the reason in its own words, in front of ours.
-  hts_set_log_level(HTS_LOG_OFF);
   at_end_ = !may_read();
   if (at_end_) return;
   file_ = bgzf_dopen(descriptor_, "r");
