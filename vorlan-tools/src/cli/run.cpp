@@ -129,7 +129,8 @@ void add_run(CLI::App& app, Action& action, const std::vector<std::string>& vorl
                       "All names are inputs; write a report of each into this folder");
   command->add_option("--ending", choices->ending, "Ending of these reports (default: .txt)");
   command->footer(
-      "Behind these: -- VORLAN-OPTIONS INPUT [REPORT]. INPUT may be compressed, - is standard input;\n"
+      "Behind these: -- VORLAN-OPTIONS INPUT [REPORT]. INPUT may be compressed, - is standard "
+      "input;\n"
       "REPORT is compressed if its name ends in .gz (default: standard output).");
   command->callback([&action, choices] { action = [choices] { return run(*choices); }; });
 }

@@ -7,8 +7,8 @@ from __future__ import annotations
 import itertools
 import unittest
 
-from nasty_inputs import INPUTS, SETTINGS, record_starts
-from programs import ProgramTest
+from parts.nasty_inputs import INPUTS, SETTINGS, record_starts
+from parts.programs import ProgramTest
 
 
 def divisions(count: int):

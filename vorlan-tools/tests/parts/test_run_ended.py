@@ -13,7 +13,7 @@ import subprocess
 import time
 import unittest
 
-from programs import TOOLS, VORLAN, ProgramTest
+from parts.programs import TOOLS, VORLAN, ProgramTest
 
 SEED = 7
 RECORDS = 40

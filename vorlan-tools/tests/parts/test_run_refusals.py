@@ -10,8 +10,8 @@ import random
 import subprocess
 import unittest
 
-from nasty_inputs import INPUTS
-from programs import TOOLS, VORLAN, ProgramTest
+from parts.nasty_inputs import INPUTS
+from parts.programs import TOOLS, VORLAN, ProgramTest
 
 TEXT = INPUTS["two records"]
 

@@ -11,8 +11,8 @@ import re
 import subprocess
 import unittest
 
-from nasty_inputs import INPUTS, MALFORMED_INPUTS, SETTINGS, record_starts
-from programs import MALFORMED, TOOLS, VORLAN, ProgramTest
+from parts.nasty_inputs import INPUTS, MALFORMED_INPUTS, SETTINGS, record_starts
+from parts.programs import MALFORMED, TOOLS, VORLAN, ProgramTest
 
 SEED = 12
 
