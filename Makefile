@@ -13,6 +13,7 @@
 #   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
 #   make test-tools          run its tests
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
+#   make fuzz-tools          the same for the report reader of vorlan-tools
 #   make coverage            which lines and branches of the product the tests reach
 #   make mutants             plant small faults, one at a time: which test notices each? Takes long
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA)
@@ -35,7 +36,7 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build tools test-tools run test test-slow test-asan test-clang test-portable fuzz coverage mutants bench figures lint install deb clean
+.PHONY: build tools test-tools run test test-slow test-asan test-clang test-portable fuzz fuzz-tools coverage mutants bench figures lint install deb clean
 
 build:
 	$(need) build
@@ -105,6 +106,12 @@ fuzz:
 	$(call configure,fuzz,ON)
 	$(call build,fuzz)
 	@tests/fuzz/run_fuzz.sh build/fuzz $(SECONDS) $(TARGET)
+
+fuzz-tools:
+	$(need) build test tools clang
+	@cmake --preset fuzz -B build/fuzz-tools -DVORLAN_TOOLS=ON -DVORLAN_TESTS=ON >&2
+	@cmake --build build/fuzz-tools --target fuzz_report_reader >&2
+	@vorlan-tools/tests/fuzz/run_fuzz.sh build/fuzz-tools $(SECONDS)
 
 # Two modules of tests are left out: in them the program may not write files, hence no counters either.
 coverage:

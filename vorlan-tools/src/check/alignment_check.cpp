@@ -99,8 +99,10 @@ class EventReader {
   std::optional<AlignmentFacts> read() {
     facts_.motif.assign(bases_.empty() ? 0 : static_cast<std::size_t>(repeat_.unit_length), '?');
     next_event();
-    for (std::int64_t position = 1; is_good_ && position <= repeat_.bases; ++position)
-      read_position(position);
+    for (std::int64_t position = 1; is_good_ && position <= repeat_.bases; ++position) {
+      if (bases_.empty()) skip_matches(position);
+      if (position <= repeat_.bases) read_position(position);
+    }
     if (is_good_ && kind_ != 0) refuse("an event lies outside the repeat or out of order");
     if (!is_good_) return std::nullopt;
     facts_.bases = repeat_.bases;
@@ -127,6 +129,15 @@ class EventReader {
       return;
     }
     kind_ = kind;
+  }
+
+  /// Without bases, matches have nothing to say: on to the next event, or behind the repeat.
+  void skip_matches(std::int64_t& position) {
+    const bool has_event =
+        kind_ != 0 && event_position_ >= position && event_position_ <= repeat_.bases;
+    const std::int64_t next = has_event ? event_position_ : repeat_.bases + 1;
+    phase_ += next - position;
+    position = next;
   }
 
   bool is_here(std::int64_t position, char kind) const {
@@ -205,6 +216,11 @@ std::optional<AlignmentFacts> read_alignment(const Repeat& repeat, const Setting
 
 std::optional<AlignmentFacts> read_events(const Repeat& repeat, std::string_view bases,
                                           const Settings& settings, Findings& findings) {
+  const auto events = static_cast<std::int64_t>(repeat.events.size());
+  if (repeat.unit_length > repeat.bases + events) {
+    findings.add(repeat.line, "the unit is longer than the repeat");
+    return std::nullopt;
+  }
   return EventReader(repeat, bases, settings, findings).read();
 }
 

@@ -197,8 +197,11 @@ void RepeatCheck::check_stated(const Repeat& repeat, std::string_view bases) {
   if (!has_counts) return;
   EditCounts counts{*repeat.mismatches, *repeat.insertions, *repeat.deletions,
                     repeat.ns.value_or(0)};
-  if (counts.mismatches < 0 || counts.insertions < 0 || counts.deletions < 0 || counts.ns < 0) {
-    add(repeat, "a count is negative");
+  const bool is_possible =
+      std::min({counts.mismatches, counts.insertions, counts.deletions, counts.ns}) >= 0 &&
+      counts.mismatches + counts.insertions + counts.ns <= repeat.bases;
+  if (!is_possible) {
+    add(repeat, "a repeat of so many bases cannot have these edits");
     return;
   }
   const bool ns_are_counted_elsewhere = settings_.format == Format::kFasta && bridges_ns(settings_);

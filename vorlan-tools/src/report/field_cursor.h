@@ -41,7 +41,7 @@ class FieldCursor {
     return *this;
   }
 
-  /// A whole number of at most 14 digits, with leading blanks as padding.
+  /// A whole number that fits into 32 bits, as all of a report do, with leading blanks as padding.
   FieldCursor& number(std::int64_t& value) {
     blanks();
     const bool negative = !rest_.empty() && rest_[0] == '-';
@@ -51,7 +51,7 @@ class FieldCursor {
     while (at < rest_.size() && at - first < kMaxDigits && is_digit(rest_[at])) {
       result = 10 * result + (rest_[at++] - '0');
     }
-    if (at == first) return fail();
+    if (at == first || result > INT32_MAX) return fail();
     value = negative ? -result : result;
     rest_.remove_prefix(at);
     return *this;
@@ -97,7 +97,7 @@ class FieldCursor {
   }
 
  private:
-  static constexpr std::size_t kMaxDigits = 14;
+  static constexpr std::size_t kMaxDigits = 10;
 
   static bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
