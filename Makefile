@@ -96,7 +96,7 @@ tools:
 	$(call build,tools)
 
 test-tools:
-	$(need) build tools test-tools
+	$(need) build tools test-tools cookbook
 	$(call configure,tools,ON)
 	$(call build,tools)
 	@ctest --preset tools
