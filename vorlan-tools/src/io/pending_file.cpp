@@ -34,10 +34,14 @@ std::string behind_links(const std::string& path) {
   return error ? path : target.string();
 }
 
+/// The mask can only be read by changing it, and it belongs to all threads: asked once.
 mode_t new_file_mode() {
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666 & ~mask;
+  static const mode_t mode = [] {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+  }();
+  return mode;
 }
 
 }  // namespace

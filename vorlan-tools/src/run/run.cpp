@@ -5,8 +5,11 @@
 
 #include <poll.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -41,8 +44,6 @@ constexpr int kMillisecondsOfWait = 500;
 struct Interrupted {
   int signal;
 };
-
-constexpr const char* kWhatIsLeft = "vorlan-tools: --resume goes on from what is finished.\n";
 
 /// vorlan has failed on a slice, not by a fault of the input.
 class VorlanFailed : public DataError {
@@ -282,6 +283,7 @@ class Run {
         folder_(output_.make_folder(options.resumes)) {}
 
   int execute() {
+    check_masked_folder();
     HeadRun head_run(folder_, options_);
     if (const int status = head_run.execute(); status != 0) return status;
     const Head head = head_run.head();
@@ -302,6 +304,14 @@ class Run {
   bool leaves_something() const { return folder_.is_kept(); }
 
  private:
+  // The masked file is written last: that it cannot be shall show before the search.
+  void check_masked_folder() const {
+    if (files_.masked.empty()) return;
+    const std::filesystem::path folder = std::filesystem::absolute(files_.masked).parent_path();
+    if (::access(folder.c_str(), W_OK | X_OK) == 0) return;
+    throw DataError("Cannot create " + files_.masked + ": " + std::strerror(errno) + ".");
+  }
+
   // An earlier run counts only if it was the same one.
   void take_folder(const std::string& head_text) {
     const std::string settings =
@@ -348,12 +358,20 @@ class Run {
   WorkFolder folder_;
 };
 
+// The object is gone, with its processes and its thread, before anybody hears of the failure.
 int execute(const RunFiles& files, const RunOptions& options, Signals& signals) {
   Run run(files, options, signals);
+  const auto with_hint = [&run](const std::string& what) {
+    return run.leaves_something() ? what + " --resume goes on from what is finished." : what;
+  };
   try {
     return run.execute();
-  } catch (...) {
-    if (run.leaves_something()) std::fputs(kWhatIsLeft, stderr);
+  } catch (const VorlanFailed& failure) {
+    throw VorlanFailed(with_hint(failure.what()), failure.status());
+  } catch (const DataError& error) {
+    throw DataError(with_hint(error.what()));
+  } catch (const Interrupted&) {
+    std::fprintf(stderr, "vorlan-tools: %s\n", with_hint("Ended by a signal.").c_str());
     throw;
   }
 }

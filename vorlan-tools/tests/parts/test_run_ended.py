@@ -35,11 +35,33 @@ def children_of(process: subprocess.Popen) -> list[int]:
     return [int(child) for child in text.split()]
 
 
-def has_ended(process: int) -> bool:
+def state_of(process: int) -> str:
+    """The letter that ps shows; Z, as for a process that has ended, if there is none."""
     try:
-        return pathlib.Path(f"/proc/{process}/stat").read_text(encoding="ascii").rsplit(")", 1)[1].split()[0] == "Z"
+        return pathlib.Path(f"/proc/{process}/stat").read_text(encoding="ascii").rsplit(")", 1)[1].split()[0]
     except FileNotFoundError:
-        return True
+        return "Z"
+
+
+def has_ended(process: int) -> bool:
+    return state_of(process) == "Z"
+
+
+def kill_a_child(process: subprocess.Popen) -> bool:
+    """Kills a process of vorlan in the middle of its work; False if the run has ended before."""
+    while process.poll() is None:
+        process.send_signal(signal.SIGSTOP)  # so that it takes notice of no end, and starts no other
+        for child in children_of(process):
+            os.kill(child, signal.SIGSTOP)
+            while state_of(child) not in "TZ":
+                time.sleep(0.001)
+            if state_of(child) == "T":
+                os.kill(child, signal.SIGKILL)
+                process.send_signal(signal.SIGCONT)
+                return True
+        process.send_signal(signal.SIGCONT)
+        time.sleep(0.001)
+    return False
 
 
 class EndedTest(ProgramTest):
@@ -139,9 +161,7 @@ class BySignal(EndedTest):
     def test_a_killed_child_ends_the_run(self) -> None:
         process = self.begin()
         self.wait_for_slices(process, 3)
-        while not (children := children_of(process)):
-            time.sleep(0.001)
-        os.kill(children[-1], signal.SIGKILL)
+        self.assertTrue(kill_a_child(process))
         _, messages = process.communicate(timeout=30)
         self.assertEqual(process.returncode, 1, messages)
         self.assertIn(b"vorlan was ended by signal 9 at sequence", messages)
