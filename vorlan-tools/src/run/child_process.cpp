@@ -20,8 +20,6 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr int kCannotExecute = 127;
-
 /// A file for a child to write to, closed when the child has it.
 class ChildFile {
  public:

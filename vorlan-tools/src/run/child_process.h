@@ -10,6 +10,9 @@
 
 namespace vorlan_tools {
 
+/// The status of a process whose program could not be executed.
+inline constexpr int kCannotExecute = 127;
+
 /// How to start a program.
 struct Command {
   std::string program;                 ///< path of the executable file
@@ -22,7 +25,7 @@ struct Command {
 /// Starts `command` with an empty standard input and returns its process id. The child ends when
 /// this process ends, however that happens, and takes no notice of Ctrl-C: this process tells it
 /// when to stop. Must be called from the main thread. Throws DataError if the files or the process
-/// cannot be made; a program that cannot be executed ends with status 127.
+/// cannot be made.
 pid_t start(const Command& command);
 
 /// Where the program vorlan is: `wanted` if it is not empty, else the one beside this program, else

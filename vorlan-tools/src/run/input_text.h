@@ -31,8 +31,8 @@ class InputText {
   /// Whether share_used() tells anything.
   bool knows_size() const { return size_ != 0; }
 
-  /// How much of the file has been used, from 0 to 1, if the last `unused` bytes of what was delivered
-  /// have not been; absent if its size is not known. An estimate for compressed files.
+  /// How much of the file has been used, from 0 to 1, if the last `unused` bytes of what was
+  /// delivered have not been; absent if its size is not known. An estimate for compressed files.
   std::optional<double> share_used(std::size_t unused) const;
 
  private:

@@ -30,14 +30,18 @@ class Progress {
  public:
   Progress(std::string input, bool is_quiet);
 
+  ~Progress() { clear(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
   /// Tells the state if it is time to.
   void tell(ProgressState state);
 
-  /// Tells the last state.
-  void finish(ProgressState state);
-
   /// Removes the bar, so that a message can be written.
   void clear();
+
+  /// Tells the last state.
+  void finish(ProgressState state);
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -138,6 +138,16 @@ class AgainstTheDefinition(MaskTest):
                             self.assertEqual(self.mask(*flags), masked_slowly(text, spans, hard, keeps))
         self.assertGreater(masked, 50)
 
+    def test_repeats_within_repeats(self) -> None:
+        text = random_genome(b"ACGT")
+        self.write("in.fa", text)
+        spans = spans_of(self.vorlan("-D", "--printRepeatSeqMode", "0", "in.fa").stdout)
+        # Some lie within another one and do not reach its end.
+        self.assertTrue(any(a[0] < b[0] and b[1] < a[1] for record in spans for a in record for b in record))
+        for settings in FORMATS:
+            self.report("-D", *settings)
+            self.assertEqual(self.mask(), masked_slowly(text, spans, False, False))
+
     def test_a_range_of_records_leaves_the_others(self) -> None:
         text = INPUTS["all names the same"]
         self.write("in.fa", text)

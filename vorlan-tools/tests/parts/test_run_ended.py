@@ -179,7 +179,8 @@ class BySignal(EndedTest):
 
     def test_a_run_that_waits_for_input_ends(self) -> None:
         process = subprocess.Popen([TOOLS, "run", "--vorlan", VORLAN, "--slice-size", "1", "--", "-"], cwd=self.folder,
-                                   env=self.environment(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+                                   env=self.environment(), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   stderr=subprocess.DEVNULL)
         self.addCleanup(process.communicate)
         process.stdin.write(b">a\nACACACACACACAC\n>b\n")
         process.stdin.flush()
@@ -187,6 +188,19 @@ class BySignal(EndedTest):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(10), -signal.SIGINT)
         self.assert_nothing_is_left()
+
+    def test_a_process_in_the_middle_of_a_long_search_is_ended(self) -> None:
+        # A perfect array of a unit that is too long for the search: vorlan needs half a minute for it.
+        self.write("in.fa", b">long\n" + b"ACGTTGCAGTCA" * 8000 + b"\n")
+        process = self.begin()
+        while not (children := children_of(process)) or not (self.folder / FOLDER / "000001.messages").exists():
+            time.sleep(0.01)
+        begin = time.monotonic()
+        process.terminate()
+        self.assertEqual(process.wait(60), -signal.SIGTERM)
+        self.assertTrue(all(map(has_ended, children)))
+        self.assertLess(time.monotonic() - begin, 8)
+        self.assertNotIn(FOLDER, self.names())  # nothing was finished
 
     def test_a_reader_that_goes_away_ends_the_run(self) -> None:
         process = self.begin(report=())
