@@ -64,7 +64,7 @@ define build_program
 endef
 
 test-slow:
-	$(need) build test test-slow cookbook figures deb clang
+	$(need) build tools test test-slow cookbook figures deb clang
 	$(call configure,release,ON)
 	$(call build,release)
 	@ctest --preset release-slow
@@ -147,7 +147,7 @@ install: build
 	@DESTDIR="$(DESTDIR)" cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"
 
 deb:
-	$(need) build deb
+	$(need) build tools deb
 	@tools/build_deb.sh "$(DEB_DIR)" >&2
 
 clean:

@@ -48,7 +48,10 @@ bedtools bedtools
 samtools samtools
 tabix tabix
 gt genometools
-jq jq' ;;
+jq jq
+PicardCommandLine picard-tools
+groff groff-base
+zsh zsh' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;
