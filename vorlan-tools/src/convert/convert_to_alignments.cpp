@@ -131,9 +131,11 @@ class AlignmentFile {
   }
 
   void open(const Conversion& conversion) {
-    const char* mode = conversion.target == Target::kBam ? "wb" : "w";
-    if (conversion.target == Target::kSam && conversion.compression == Compression::kBgzip)
-      mode = "wz";
+    // Level 3 takes less than half the time of the usual 6, and about a sixth more room.
+    const char* mode = conversion.target == Target::kBam ? "wb3" : "w";
+    if (conversion.target == Target::kSam && conversion.compression == Compression::kBgzip) {
+      mode = "wz3";
+    }
     hFILE* const stream = hdopen(pending_.descriptor(), "w");
     if (stream == nullptr) fail();
     pending_.release_descriptor();
