@@ -18,6 +18,9 @@ namespace {
 constexpr std::size_t kBufferSize = 256 * 1024;
 constexpr int kBlocksInWork = 64;
 
+/// Level 3 takes less than half the time of the usual 6, and about a sixth more room.
+constexpr const char* kMode = "w3";
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& name, Compression compression, int threads)
@@ -26,7 +29,7 @@ OutputFile::OutputFile(const std::string& name, Compression compression, int thr
     buffer_.reserve(kBufferSize);
     return;
   }
-  bgzf_ = bgzf_dopen(pending_.descriptor(), "w");
+  bgzf_ = bgzf_dopen(pending_.descriptor(), kMode);
   if (bgzf_ == nullptr) fail();
   pending_.release_descriptor();
   if (threads > 1 && bgzf_mt(bgzf_, threads, kBlocksInWork) != 0) fail();

@@ -66,6 +66,12 @@ TEST(FastaReader, MalformedBytesAreToldWithTheirLine) {
   } catch (const LineError& error) {
     EXPECT_NE(std::string(error.what()).find(", line 3: "), std::string::npos) << error.what();
   }
+  try {
+    records_of(">s\r\nAC\r\nA1GT\r\n");
+    FAIL() << "nothing was thrown";
+  } catch (const LineError& error) {
+    EXPECT_NE(std::string(error.what()).find(", line 3: "), std::string::npos) << error.what();
+  }
   EXPECT_THROW(records_of(""), DataError);
   EXPECT_THROW(records_of("ACGT\n"), LineError);
   EXPECT_THROW(records_of(">s\n >t\n"), LineError);
