@@ -17,7 +17,10 @@
 #   make test-asan-clang     the same with those of clang++
 #   make test-clang          what make test runs, built with clang++, warnings as errors
 #   make test-portable       the same without wider vector instructions
+#   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
+#   make test-tools          run its tests
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
+#   make fuzz-tools          the same for the report reader of vorlan-tools
 #   make coverage            which lines and branches of the product the tests reach
 #   make mutants             plant small faults, one at a time: which test notices each? Takes long
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA), SECTION=one or several
@@ -45,8 +48,8 @@ need = @tools/install-missing-packages.sh
 configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
-.PHONY: build run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable fuzz coverage mutants bench figures lint deb clean help
+.PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
+  test-portable test-tools fuzz fuzz-tools coverage mutants bench figures lint deb clean help
 
 build:
 	$(need) build
@@ -84,7 +87,7 @@ define build_program
 endef
 
 test-slow:
-	$(need) build test test-slow deb clang
+	$(need) build tools test test-slow deb clang
 	$(call configure,release,ON)
 	$(call build,release)
 	@ctest --preset release-slow
@@ -112,11 +115,29 @@ test-portable:
 	$(need) build test
 	$(call run_tests,portable)
 
+# The companion program has a build folder and tests of its own.
+tools:
+	$(need) build tools
+	$(call configure,tools,OFF)
+	$(call build,tools)
+
+test-tools:
+	$(need) build tools test-tools documents
+	$(call configure,tools,ON)
+	$(call build,tools)
+	@ctest --preset tools
+
 fuzz:
 	$(need) build test clang
 	$(call configure,fuzz,ON)
 	$(call build,fuzz)
 	@tests/fuzz/run_fuzz.sh build/fuzz $(SECONDS) $(TARGET)
+
+fuzz-tools:
+	$(need) build test tools clang
+	@cmake --preset fuzz -B build/fuzz-tools -DVORLAN_TOOLS=ON -DVORLAN_TESTS=ON >&2
+	@cmake --build build/fuzz-tools --target fuzz_report_reader >&2
+	@vorlan-tools/tests/fuzz/run_fuzz.sh build/fuzz-tools $(SECONDS)
 
 # Two modules of tests are left out: in them the program may not write files, hence no counters either.
 coverage:
@@ -156,7 +177,7 @@ uninstall:
 	@DESTDIR="$(DESTDIR)" tools/uninstall.sh "$(INSTALLED)"
 
 deb:
-	$(need) build deb
+	$(need) build tools deb
 	@tools/build_deb.sh "$(DEB_DIR)" >&2
 
 clean:

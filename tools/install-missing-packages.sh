@@ -38,6 +38,21 @@ seqkit seqkit
 parallel parallel
 primer3_core primer3
 python3 python3' ;;
+    tools) echo 'pkg-config pkg-config
+/usr/include/htslib/bgzf.h libhts-dev
+/usr/include/CLI/CLI.hpp libcli11-dev
+/usr/include/nlohmann/json.hpp nlohmann-json3-dev' ;;
+    test-tools) echo '/usr/include/gtest/gtest.h libgtest-dev
+python3 python3
+/usr/lib/python3/dist-packages/pysam python3-pysam
+bedtools bedtools
+samtools samtools
+tabix tabix
+gt genometools
+jq jq
+PicardCommandLine picard-tools
+groff groff-base
+zsh zsh' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;

@@ -30,8 +30,10 @@ TEST_P(RandomCases, give_the_same_repeats_in_all_modes) {
   ProductSearch product;
   for (std::uint64_t number = 0; number < kCasesPerSeed; ++number) {
     const SearchCase random = random_case(GetParam(), number);
+    // Engines apart take most of the time; vorlan_differential has them in every case.
+    const Engines engines = number % 4 == 0 ? Engines::kApart : Engines::kTogether;
     const std::optional<std::string> found =
-        difference(product, random.residues, random.settings, Engines::kApart);
+        difference(product, random.residues, random.settings, engines);
     ASSERT_FALSE(found) << "vorlan_differential --seed " << GetParam() << " --first " << number
                         << " --cases 1\n"
                         << *found;

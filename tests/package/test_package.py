@@ -21,12 +21,21 @@ PACKAGED = {name: source for name, source in FILES.items() if name not in (ZSH, 
     f"{DOCUMENTS}/NEWS.md": FILES[CHANGES],
     f"{DOCUMENTS}/copyright": "debian/copyright",
     f"{DOCUMENTS}/changelog": "debian/changelog",
-    "share/lintian/overrides/vorlan": "debian/lintian-overrides",
+    "share/lintian/overrides/vorlan": "debian/vorlan.lintian-overrides",
+}
+TOOLS = {
+    "share/bash-completion/completions/vorlan-tools": "completions/vorlan-tools.bash",
+    "share/doc/vorlan-tools/changelog": "debian/changelog",
+    "share/doc/vorlan-tools/copyright": "debian/copyright",
+    "share/lintian/overrides/vorlan-tools": "debian/vorlan-tools.lintian-overrides",
+    "share/man/man1/vorlan-tools.1": "man/vorlan-tools.1",
+    "share/zsh/vendor-completions/_vorlan-tools": "completions/_vorlan-tools",
 }
 
 
 class Package(unittest.TestCase):
     content: Path
+    tools: Path
 
     @classmethod
     def setUpClass(cls) -> None:
@@ -35,18 +44,21 @@ class Package(unittest.TestCase):
         built, cls.content = Path(folder.name, "built"), Path(folder.name, "content")
         subprocess.run(["make", "-C", str(ROOT), "deb", f"DEB_DIR={built}"], check=True, stdin=subprocess.DEVNULL,
                        env={"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": folder.name})
-        package, = built.glob("vorlan_*.deb")
-        subprocess.run(["dpkg-deb", "--extract", str(package), str(cls.content)], check=True)
+        cls.tools = Path(folder.name, "tools")
+        for name, content in (("vorlan", cls.content), ("vorlan-tools", cls.tools)):
+            package, = built.glob(f"{name}_*.deb")
+            subprocess.run(["dpkg-deb", "--extract", str(package), str(content)], check=True)
 
-    def test_the_package_holds_the_installed_files(self) -> None:
-        found = {str(path.relative_to(self.content)) for path in self.content.rglob("*") if not path.is_dir()}
-        self.assertEqual({name.removesuffix(".gz") for name in found},
-                         {f"usr/{name}" for name in (PROGRAM, *PACKAGED)})
+    def test_the_packages_hold_the_installed_files(self) -> None:
+        for content, names in ((self.content, (PROGRAM, *PACKAGED)), (self.tools, ("bin/vorlan-tools", *TOOLS))):
+            found = {str(path.relative_to(content)) for path in content.rglob("*") if not path.is_dir()}
+            self.assertEqual({name.removesuffix(".gz") for name in found}, {f"usr/{name}" for name in names})
 
     def test_files_are_those_of_the_sources(self) -> None:
-        for name, source in PACKAGED.items():
+        origins = [(self.content, *entry) for entry in PACKAGED.items()]
+        for content, name, source in origins + [(self.tools, *entry) for entry in TOOLS.items()]:
             with self.subTest(file=name):
-                path = self.content / "usr" / name
+                path = content / "usr" / name
                 packed = path.with_name(path.name + ".gz")
                 data = gzip.decompress(packed.read_bytes()) if packed.exists() else path.read_bytes()
                 self.assertEqual(data, (ROOT / source).read_bytes())

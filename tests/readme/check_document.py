@@ -179,15 +179,18 @@ def root_of(document: Path) -> Path:
 
 
 class Workbench:
-    """A scratch folder with a copy of the examples, in which commands find BINARY as vorlan."""
+    """A scratch folder with a copy of the examples, in which commands find BINARY as vorlan, and TOOLS, if given,
+    as vorlan-tools."""
 
-    def __init__(self, root: Path, binary: Path) -> None:
+    def __init__(self, root: Path, binary: Path, tools: Path | None = None) -> None:
         self._scratch = tempfile.TemporaryDirectory(prefix="document-")
         self.folder, self._binaries = Path(self._scratch.name, "work"), Path(self._scratch.name, "bin")
         self._root = root
         shutil.copytree(root / "examples", self.folder / "examples")
         self._binaries.mkdir()
         (self._binaries / "vorlan").symlink_to(binary)
+        if tools:
+            (self._binaries / "vorlan-tools").symlink_to(tools)
 
     def __enter__(self) -> Workbench:
         return self

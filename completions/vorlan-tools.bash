@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: the Vorlan authors
+#
+# Completion of vorlan-tools in bash: subcommands, their options, the values of options that choose, file names.
+
+# A line for each subcommand: its options.
+declare -gA _vorlan_tools_options=(
+  [check]='-g --genome --limit -h --help'
+  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
+    --unit-length --min-perfection --min-length --min-copies -h --help'
+  [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
+  [merge]='-o --output --input --slices --masked -h --help'
+  [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
+)
+# By subcommand and option: the values; empty where any number or text may stand. File names are completed for
+# options that are not listed.
+declare -gA _vorlan_tools_values=(
+  [check --limit]=''
+  [convert -t]='bed gff3 jsonl sam bam paf tsv'
+  [convert --to]='bed gff3 jsonl sam bam paf tsv'
+  [convert -O]='z u'
+  [convert --output-type]='z u'
+  [convert -@]=''
+  [convert --threads]=''
+  [convert --unit-length]=''
+  [convert --min-perfection]=''
+  [convert --min-length]=''
+  [convert --min-copies]=''
+  [mask -O]='z u'
+  [mask --output-type]='z u'
+  [run -j]=''
+  [run --jobs]=''
+  [run --slice-size]=''
+  [run --ending]=''
+)
+
+_vorlan_tools() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
+  if [[ $COMP_CWORD -eq 1 ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "${!_vorlan_tools_options[*]} --help --version" -- "$current")
+  elif [[ ${_vorlan_tools_values[$command $previous]+known} ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "${_vorlan_tools_values[$command $previous]}" -- "$current")
+  elif [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "${_vorlan_tools_options[$command]}" -- "$current")
+  else
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    compopt -o filenames 2>/dev/null
+  fi
+}
+
+complete -F _vorlan_tools vorlan-tools

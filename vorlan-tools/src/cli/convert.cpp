@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "cli/convert.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "cli/exit_status.h"
+#include "convert/conversion.h"
+#include "errors.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+struct ConvertOptions {
+  Conversion conversion;
+  std::string target;
+  std::string output_type;
+  std::string unit_lengths;
+  double min_perfection = 0;
+  double min_copies = 0;
+};
+
+const std::map<std::string, Target> kTargets = {
+    {"bed", Target::kBed}, {"gff3", Target::kGff3}, {"jsonl", Target::kJsonLines},
+    {"sam", Target::kSam}, {"bam", Target::kBam},   {"paf", Target::kPaf},
+    {"tsv", Target::kTsv},
+};
+
+bool ends_with(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+/// -O decides; without it, a name that ends in .gz asks for compression.
+Compression compression_of(const ConvertOptions& options) {
+  const bool is_compressed = options.output_type.empty()
+                                 ? ends_with(options.conversion.output, ".gz")
+                                 : options.output_type == "z";
+  return is_compressed ? Compression::kBgzip : Compression::kPlain;
+}
+
+int run_convert(const ConvertOptions& options) {
+  Conversion conversion = options.conversion;
+  conversion.target = kTargets.at(options.target);
+  conversion.compression = compression_of(options);
+  if (!options.unit_lengths.empty()) set_unit_lengths(conversion.filter, options.unit_lengths);
+  if (options.min_perfection > 0) {
+    conversion.filter.min_perfection = to_thousandths(options.min_perfection, "--min-perfection");
+  }
+  conversion.filter.min_copies = to_thousandths(options.min_copies, "--min-copies");
+  convert(conversion);
+  return kSuccess;
+}
+
+void add_output_options(CLI::App& command, ConvertOptions& options) {
+  Conversion& conversion = options.conversion;
+  command.add_option("-t,--to", options.target, "Target: bed, gff3, jsonl, sam, bam, paf or tsv")
+      ->required()
+      ->check(CLI::IsMember(kTargets));
+  command.add_option("-o,--output", conversion.output,
+                     "File to write; - is standard output (default)");
+  command
+      .add_option("-O,--output-type", options.output_type,
+                  "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
+      ->check(CLI::IsMember({"z", "u"}));
+  command.add_flag("--write-index", conversion.write_index,
+                   "Write the index of a bam, or of a compressed bed or gff3, beside the output");
+  command.add_flag("--sort", conversion.sort, "Order by name of sequence, then start, then end");
+  command.add_flag("--cut-names", conversion.cut_names,
+                   "End the names of sequences at their first tab, as samtools faidx does");
+  command.add_option("-@,--threads", conversion.threads, "Threads that compress (default 1)")
+      ->check(CLI::Range(1, 256));
+}
+
+void add_filter_options(CLI::App& command, ConvertOptions& options) {
+  command.add_option("--unit-length", options.unit_lengths,
+                     "Only units of this length or range, such as 2-6 or 7-");
+  command
+      .add_option("--min-perfection", options.min_perfection,
+                  "Only repeats of at least this perfection in %")
+      ->check(CLI::Range(0.0, 100.0));
+  command
+      .add_option("--min-length", options.conversion.filter.min_length,
+                  "Only repeats of at least so many bases in the sequence")
+      ->check(CLI::NonNegativeNumber);
+  command
+      .add_option("--min-copies", options.min_copies,
+                  "Only repeats of at least so many copies of the unit")
+      ->check(CLI::NonNegativeNumber);
+}
+
+}  // namespace
+
+void add_convert(CLI::App& app, Action& action) {
+  const auto options = std::make_shared<ConvertOptions>();
+  CLI::App* const command =
+      app.add_subcommand("convert", "Write the repeats of a report for other programs");
+  command
+      ->add_option("report", options->conversion.report, "Report to convert; - is standard input")
+      ->required();
+  add_output_options(*command, *options);
+  add_filter_options(*command, *options);
+  command->callback([&action, options] { action = [options] { return run_convert(*options); }; });
+}
+
+}  // namespace vorlan_tools

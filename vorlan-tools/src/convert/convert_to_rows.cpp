@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include <htslib/tbx.h>
+
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+
+#include "convert/conversion.h"
+#include "convert/index_order.h"
+#include "convert/row_format.h"
+#include "convert/sequence_names.h"
+#include "convert/sorted_rows.h"
+#include "errors.h"
+#include "io/pending_file.h"
+#include "io/rereadable_input.h"
+#include "report/report_reader.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+std::unique_ptr<RowFormat> rows_of(Target target) {
+  switch (target) {
+    case Target::kGff3:
+      return gff3_rows();
+    case Target::kJsonLines:
+      return json_rows();
+    case Target::kPaf:
+      return paf_rows();
+    case Target::kTsv:
+      return tsv_rows();
+    default:
+      return bed_rows();
+  }
+}
+
+/// Takes rows in the order of the report and writes them so, or sorted.
+class RowWriter {
+ public:
+  explicit RowWriter(const Conversion& conversion)
+      : output_(conversion.output, conversion.compression, conversion.threads),
+        must_index_(conversion.write_index) {
+    if (conversion.sort) sorted_.emplace();
+  }
+
+  void write_head(std::string_view text) { output_.write(text); }
+
+  void write(std::string_view name, std::int64_t start, std::int64_t end, std::string_view row) {
+    if (sorted_) {
+      sorted_->add(name, start, end, row);
+    } else {
+      output_.write(row);
+    }
+    if (!must_index_) return;
+    if (!sorted_) order_.add(name, start, end);
+    longest_end_ = std::max(longest_end_, end);
+  }
+
+  void finish(const Conversion& conversion) {
+    if (sorted_) sorted_->write_to(output_);
+    output_.close();
+    if (!must_index_) {
+      output_.commit();
+      return;
+    }
+    const bool is_csi = longest_end_ > IndexOrder::kPlainIndexLimit;
+    PendingFile index(conversion.output + (is_csi ? ".csi" : ".tbi"));
+    const tbx_conf_t* const layout =
+        conversion.target == Target::kBed ? &tbx_conf_bed : &tbx_conf_gff;
+    const int result =
+        tbx_index_build3(output_.path().c_str(), index.path().c_str(),
+                         is_csi ? kCsiShift : kPlainIndexShift, conversion.threads, layout);
+    if (result != 0) throw DataError("Cannot write the index of " + conversion.output + ".");
+    output_.commit();
+    index.commit();
+  }
+
+ private:
+  OutputFile output_;
+  bool must_index_;
+  std::optional<SortedRows> sorted_;
+  IndexOrder order_;
+  std::int64_t longest_end_ = 0;
+};
+
+/// Each name once, with the greatest length that a sequence of that name has.
+std::vector<ListedSequence> written_sequences(const RereadableInput& input,
+                                              const Conversion& conversion) {
+  std::vector<ListedSequence> sequences;
+  std::unordered_map<std::string, std::size_t> places;
+  for (const ListedSequence& listed : list_sequences(input)) {
+    const std::string name(written_name(listed.name, conversion));
+    const auto [place, is_new] = places.try_emplace(name, sequences.size());
+    if (is_new) sequences.push_back({name, listed.length});
+    std::int64_t& length = sequences[place->second].length;
+    length = std::max(length, listed.length);
+  }
+  return sequences;
+}
+
+void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& report,
+                const std::vector<ListedSequence>& sequences) {
+  RowWriter writer(conversion);
+  std::string text;
+  format.append_head(text, report.head(), sequences);
+  writer.write_head(text);
+  std::string name;
+  bool is_begun = false;
+  for (auto item = report.next(); item != ReportReader::Item::kEnd; item = report.next()) {
+    if (item == ReportReader::Item::kSequence) {
+      name = written_name(report.sequence().name, conversion);
+      is_begun = false;
+      continue;
+    }
+    const Repeat& repeat = report.repeat();
+    if (!conversion.filter.keeps(repeat)) continue;
+    if (!is_begun) format.begin_sequence(report.sequence(), name);
+    is_begun = true;
+    text.clear();
+    format.append_repeat(text, repeat);
+    writer.write(name, repeat.start, repeat.end, text);
+  }
+  writer.finish(conversion);
+}
+
+}  // namespace
+
+void convert_to_rows(const Conversion& conversion) {
+  const std::unique_ptr<RowFormat> format = rows_of(conversion.target);
+  if (!format->needs_sequences()) {
+    ReportReader report(conversion.report);
+    if (conversion.target == Target::kPaf) require_alignments(report.head(), report.name());
+    write_rows(conversion, *format, report, {});
+    return;
+  }
+  const RereadableInput input(conversion.report);
+  const std::vector<ListedSequence> sequences = written_sequences(input, conversion);
+  ReportReader report(input.open_again(), input.name());
+  write_rows(conversion, *format, report, sequences);
+}
+
+}  // namespace vorlan_tools

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "fasta/fasta_reader.h"
+
+#include <htslib/bgzf.h>
+
+#include <algorithm>
+#include <array>
+
+#include "errors.h"
+#include "io/open_input.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr char kSkipped = 0;
+constexpr char kMalformed = 1;
+
+/// What becomes of each byte of a residue line.
+constexpr std::array<char, 256> make_residue_table() {
+  std::array<char, 256> table{};
+  table.fill(kMalformed);
+  const auto set = [&table](std::string_view letters, char residue) {
+    for (const char letter : letters) {
+      table[static_cast<unsigned char>(letter)] = residue;
+      const bool is_capital = letter >= 'A' && letter <= 'Z';
+      if (is_capital) table[static_cast<unsigned char>(letter + 'a' - 'A')] = residue;
+    }
+  };
+  set("A", 'A');
+  set("C", 'C');
+  set("G", 'G');
+  set("TU", 'T');
+  set("NXRYKMSWBDHV?", 'N');
+  set(" \t\v\f-*", kSkipped);
+  return table;
+}
+
+constexpr std::array<char, 256> kResidues = make_residue_table();
+
+bool is_white_space(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+}  // namespace
+
+FastaReader::FastaReader(const std::string& name)
+    : name_(shown_input_name(name)), file_(open_input(name)), buffer_(kBufferSize) {}
+
+FastaReader::~FastaReader() { bgzf_close(file_); }
+
+void FastaReader::fail(const std::string& what) const { throw LineError(name_, line_, what); }
+
+bool FastaReader::refill() {
+  const ssize_t count = bgzf_read(file_, buffer_.data(), buffer_.size());
+  if (count < 0) throw DataError("Cannot read " + name_ + ": the file is damaged or cut short.");
+  begin_ = 0;
+  end_ = static_cast<std::size_t>(count);
+  return count > 0;
+}
+
+/// The next byte as it is, left in place.
+int FastaReader::raw() {
+  if (begin_ == end_ && !refill()) return kEnd;
+  return static_cast<unsigned char>(buffer_[begin_]);
+}
+
+/// The next character, with every line end as one line feed.
+int FastaReader::get() {
+  const int c = raw();
+  if (c == kEnd) return kEnd;
+  ++begin_;
+  if (c != '\r' && c != '\n') return c;
+  if (c == '\r' && raw() == '\n') ++begin_;
+  ++line_;
+  return '\n';
+}
+
+int FastaReader::peek() {
+  const int c = raw();
+  return c == '\r' ? '\n' : c;
+}
+
+void FastaReader::skip_before_records() {
+  for (;;) {
+    while (is_white_space(peek())) get();
+    if (peek() != '#') return;
+    for (int c = get(); c != '\n' && c != kEnd;) c = get();
+  }
+}
+
+bool FastaReader::next_header() {
+  if (residues_are_ahead_) pass_residues<false>();
+  if (number_ == 0) {
+    skip_before_records();
+    if (peek() != '>') fail("this is no FASTA record.");
+  }
+  if (peek() == kEnd) return false;
+  get();
+  read_header_line();
+  ++number_;
+  residues_.clear();
+  residues_are_ahead_ = true;
+  return true;
+}
+
+void FastaReader::read_header_line() {
+  header_.clear();
+  int c = get();
+  const bool is_lone = c == kEnd;
+  for (; c != '\n' && c != kEnd; c = get()) header_ += static_cast<char>(c);
+  header_.resize(std::min(header_.size(), header_.find('\0')));
+  if (!is_lone) sequence_name_ = header_.substr(0, header_.find(' '));
+}
+
+void FastaReader::read_residues() {
+  if (residues_are_ahead_) pass_residues<true>();
+}
+
+template <bool kKeep>
+void FastaReader::pass_residues() {
+  residues_are_ahead_ = false;
+  for (bool at_line_start = true;;) {
+    const int c = at_line_start ? peek() : get();
+    if (c == kEnd) return;
+    if (at_line_start) {
+      if (c == '>') return;
+      at_line_start = false;
+      continue;
+    }
+    if (c == '\n') {
+      at_line_start = true;
+      continue;
+    }
+    const char residue = kResidues[static_cast<std::size_t>(c)];
+    if (residue == kMalformed) {
+      if (peek() == kEnd) return;
+      fail("a residue line holds a byte that is no residue.");
+    }
+    if (kKeep && residue != kSkipped) residues_ += residue;
+  }
+}
+
+}  // namespace vorlan_tools

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "io/file_identity.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vorlan_tools {
+
+namespace {
+
+bool get_status(const std::string& name, int standard_stream, struct stat& status) {
+  const int result =
+      name == "-" ? ::fstat(standard_stream, &status) : ::stat(name.c_str(), &status);
+  return result == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
+
+bool is_same_file(const std::string& input, const std::string& output) {
+  struct stat in {};
+  struct stat out {};
+  return get_status(input, STDIN_FILENO, in) && get_status(output, STDOUT_FILENO, out) &&
+         in.st_dev == out.st_dev && in.st_ino == out.st_ino;
+}
+
+}  // namespace vorlan_tools

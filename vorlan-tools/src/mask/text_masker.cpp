@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "mask/text_masker.h"
+
+#include <array>
+#include <string_view>
+
+#include "errors.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+enum class ByteKind : unsigned char { kMalformed, kSkipped, kResidue };
+
+constexpr std::array<ByteKind, 256> byte_kinds() {
+  std::array<ByteKind, 256> kinds{};
+  for (const char letter : std::string_view("ACGTUNXRYKMSWBDHVacgtunxrykmswbdhv?")) {
+    kinds[static_cast<unsigned char>(letter)] = ByteKind::kResidue;
+  }
+  for (const char gap : std::string_view(" \t\v\f-*")) {
+    kinds[static_cast<unsigned char>(gap)] = ByteKind::kSkipped;
+  }
+  return kinds;
+}
+
+constexpr std::array<ByteKind, 256> kByteKinds = byte_kinds();
+
+constexpr char kCaseBit = 0x20;
+
+bool is_letter(char byte) { return byte != '?'; }
+char lower(char residue) {
+  return is_letter(residue) ? static_cast<char>(residue | kCaseBit) : residue;
+}
+char upper(char residue) {
+  return is_letter(residue) ? static_cast<char>(residue & ~kCaseBit) : residue;
+}
+
+}  // namespace
+
+void TextMasker::fail() const {
+  throw DataError("The FASTA file is malformed at line " + std::to_string(line_) + ".");
+}
+
+void TextMasker::mask(char* begin, const char* end) {
+  for (char* at = begin; at != end;) {
+    const char byte = *at;
+    if (end_line(byte)) {
+      ++at;
+    } else if (place_ == Place::kResidues && !(at_line_start_ && byte == '>')) {
+      at = take_residues(at, end);
+    } else {
+      if (place_ == Place::kHeader) header_ += byte;
+      if (place_ == Place::kBeforeFirst || place_ == Place::kResidues) take_first(byte);
+      at_line_start_ = after_cr_ = false;
+      ++at;
+    }
+  }
+}
+
+// A line feed behind a carriage return belongs to the same line end.
+bool TextMasker::end_line(char byte) {
+  if (byte != '\n' && byte != '\r') return false;
+  if (byte == '\r' || !after_cr_) {
+    ++line_;
+    if (place_ == Place::kHeader) end_header();
+    if (place_ == Place::kComment) place_ = Place::kBeforeFirst;
+  }
+  after_cr_ = byte == '\r';
+  at_line_start_ = true;
+  return true;
+}
+
+// In front of the first record, or at the '>' of another one.
+void TextMasker::take_first(char byte) {
+  if (byte == '>') {
+    if (place_ == Place::kResidues) end_record();
+    ++record_;
+    header_.clear();
+    place_ = Place::kHeader;
+  } else if (byte == '#') {
+    place_ = Place::kComment;
+  } else if (kByteKinds[static_cast<unsigned char>(byte)] != ByteKind::kSkipped || byte == '-' ||
+             byte == '*') {
+    fail();
+  }
+}
+
+char* TextMasker::take_residues(char* begin, const char* end) {
+  char* at = begin;
+  for (; at != end && *at != '\n' && *at != '\r'; ++at) {
+    const ByteKind kind = kByteKinds[static_cast<unsigned char>(*at)];
+    if (kind == ByteKind::kResidue) {
+      *at = masked(*at);
+    } else if (kind == ByteKind::kMalformed) {
+      fail();
+    }
+  }
+  at_line_start_ = after_cr_ = false;
+  return at;
+}
+
+char TextMasker::masked(char residue) {
+  ++bases_;
+  if (bases_ > stretch_.end) stretch_ = stretches_.next();
+  if (bases_ < stretch_.begin) return style_.keeps_lower_case ? residue : upper(residue);
+  return style_.is_hard ? 'N' : lower(residue);
+}
+
+// Reports end a header at a NUL.
+void TextMasker::end_header() {
+  place_ = Place::kResidues;
+  bases_ = 0;
+  stretches_.begin_record(record_, header_.substr(0, header_.find('\0')));
+  stretch_ = stretches_.next();
+}
+
+void TextMasker::end_record() { stretches_.end_record(bases_); }
+
+void TextMasker::finish() {
+  if (place_ == Place::kHeader) end_header();
+  if (place_ != Place::kResidues) throw DataError("The FASTA file holds no sequence.");
+  end_record();
+  stretches_.finish();
+}
+
+}  // namespace vorlan_tools
