@@ -109,9 +109,9 @@ class ProgressLines(ProgramTest):
         self.assertEqual(self.run_tool("in.fa", flags=("--quiet",)).stderr, b"")
 
     def test_a_bar_on_a_terminal(self) -> None:
-        # A second of work or more: the bar is drawn several times.
-        source = random.Random(3)
-        self.write("in.fa", b"".join(b">%d\n%s\n" % (n, bytes(source.choices(b"ACGT", k=96_000))) for n in range(30)))
+        # Two seconds of work or more: the bar is drawn several times.
+        residues = bytes(random.Random(3).choices(b"ACGT", k=96_000)) * 4
+        self.write("in.fa", b"".join(b">%d\n%s\n" % (n, residues) for n in range(150)))
         controller, terminal = os.openpty()
         with open(self.folder / "out", "wb") as out:
             process = subprocess.Popen([TOOLS, "run", "-j", "1", "--vorlan", VORLAN, "--slice-size", "1", "--", "in.fa"],
@@ -126,8 +126,8 @@ class ProgressLines(ProgramTest):
         os.close(controller)
         self.assertEqual(process.wait(60), 0)
         self.assertRegex(shown, rb"\r\[\.{24}\]   0 %, 0 bp, 0 records\x1b\[K")
-        self.assertRegex(shown, rb"\r\[#+\.+\]  \d\d %, \d+\.\d+ [kM]bp, \d+ records, \S+ [kM]bp/s, 0:0\d left\x1b\[K")
-        self.assertRegex(shown, rb"\r\x1b\[Kvorlan-tools: in\.fa: 2\.88 Mbp, 30 records, \S+ [kM]bp/s, 0:\d\d\r\n")
+        self.assertRegex(shown, rb"\r\[#+\.+\]  \d\d %, \d+\.\d+ [kM]bp, \d+ records, \S+ [kM]bp/s, \d+:\d\d left\x1b\[K")
+        self.assertRegex(shown, rb"\r\x1b\[Kvorlan-tools: in\.fa: 57\.60 Mbp, 150 records, \S+ [kM]bp/s, \d+:\d\d\r\n")
 
 
 if __name__ == "__main__":
