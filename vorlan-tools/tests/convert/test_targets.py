@@ -108,7 +108,7 @@ class TargetTest(unittest.TestCase):
                 self.assertEqual("Gap" in told, repeat.insertions + repeat.deletions > 0)
 
     def check_gap(self, gap: str, bases: str, repeat: PlainRepeat) -> None:
-        """Walk along both as the specification of GFF3 says: I is a gap in the sequence, D one in the target."""
+        """Walk along both as GFF3 lays down: I is a gap in the sequence, D one in the target."""
         target = (repeat.motif * repeat.length)[:repeat.length]
         at = at_target = agreeing = 0
         for part in gap.split(" "):
