@@ -10,5 +10,10 @@ cd "$(dirname "$0")/.."
 
 python3 tools/check_layers.py src
 git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
-git ls-files -- 'src/*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p "$build"
+# clang does not know the options that g++ needs for wide copies.
+commands=$(mktemp -d)
+trap 'rm -rf "$commands"' EXIT
+sed -e 's/ -mmove-max=[0-9]*//g' -e 's/ -mstore-max=[0-9]*//g' "$build/compile_commands.json" \
+  >"$commands/compile_commands.json"
+git ls-files -- 'src/*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p "$commands"
 echo "lint: clean"

@@ -26,6 +26,28 @@ class BitPlanes {
     const std::uint64_t* no_base;
   };
 
+  /// 64 residues in a row as bits of each plane.
+  struct Bits {
+    std::uint64_t low;
+    std::uint64_t high;
+    std::uint64_t no_base;
+  };
+
+  /// The residues from position `first` on.
+  static Bits read(const Words& words, std::ptrdiff_t first) {
+    return {bits_at(words.low, first), bits_at(words.high, first), bits_at(words.no_base, first)};
+  }
+
+  /// Which residues of `a` count as equal to those of `b`: equal bases, and, if `bridges_N`, an N
+  /// on either side, as it may be bridged. What lies outside the sequence equals nothing.
+  static std::uint64_t equal_residues(const Bits& a, const Bits& b, bool bridges_N) {
+    const std::uint64_t equal = ~((a.low ^ b.low) | (a.high ^ b.high));
+    const std::uint64_t no_base = a.no_base | b.no_base;
+    if (!bridges_N) return equal & ~no_base;
+    const std::uint64_t outside = (a.no_base & a.low) | (b.no_base & b.low);
+    return (equal | no_base) & ~outside;
+  }
+
   /// `margin` is the number of positions that must be readable on either side. Throws
   /// std::bad_alloc. Cost: linear.
   BitPlanes(const char* seq_begin, std::size_t seq_len, std::size_t margin);

@@ -81,17 +81,9 @@ std::size_t ExactFilter::margin(std::size_t unit_length) {
 }
 
 std::uint64_t ExactFilter::equal_pairs(std::ptrdiff_t word) const {
-  const auto there = [&](const std::uint64_t* plane) {
-    return bits_at(plane, word * kBitsPerWord + unit_length_);
-  };
-  const std::uint64_t low = planes_.low[word];
-  const std::uint64_t low_there = there(planes_.low);
-  const std::uint64_t equal = ~((low ^ low_there) | (planes_.high[word] ^ there(planes_.high)));
-  const std::uint64_t no_base = planes_.no_base[word];
-  const std::uint64_t no_base_there = there(planes_.no_base);
-  if (!bridges_N_) return equal & ~(no_base | no_base_there);
-  const std::uint64_t outside = (no_base & low) | (no_base_there & low_there);
-  return (equal | no_base | no_base_there) & ~outside;
+  const BitPlanes::Bits here{planes_.low[word], planes_.high[word], planes_.no_base[word]};
+  const BitPlanes::Bits there = BitPlanes::read(planes_, word * kBitsPerWord + unit_length_);
+  return BitPlanes::equal_residues(here, there, bridges_N_);
 }
 
 void ExactFilter::keep_survivors(std::ptrdiff_t first_word, std::uint64_t* starts) const {

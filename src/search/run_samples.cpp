@@ -35,15 +35,9 @@ std::ptrdiff_t RunSamples::next_block(std::ptrdiff_t begin) {
 
 bool RunSamples::are_equal(std::ptrdiff_t first) const {
   constexpr std::uint64_t kAll = (std::uint64_t{1} << kSample) - 1;
-  const auto here = [first](const std::uint64_t* plane) { return bits_at(plane, first); };
-  const auto there = [this, first](const std::uint64_t* plane) {
-    return bits_at(plane, first + unit_length_);
-  };
-  std::uint64_t differs =
-      (here(planes_.low) ^ there(planes_.low)) | (here(planes_.high) ^ there(planes_.high));
-  const std::uint64_t special = here(planes_.no_base) | there(planes_.no_base);
-  differs = bridges_N_ ? differs & ~special : differs | special;
-  return (differs & kAll) == 0;
+  const std::uint64_t equal = BitPlanes::equal_residues(
+      BitPlanes::read(planes_, first), BitPlanes::read(planes_, first + unit_length_), bridges_N_);
+  return (equal & kAll) == kAll;
 }
 
 }  // namespace vorlan

@@ -7,7 +7,6 @@
 #include <array>
 #include <bit>
 #include <cassert>
-#include <new>
 
 #include "imperfect/scoring.h"
 #include "search/start_block.h"
@@ -15,8 +14,7 @@
 namespace vorlan {
 namespace {
 
-/// Of a whole register, which no container of the library guarantees.
-constexpr std::align_val_t kLanesAlignment{sizeof(Lanes)};
+static_assert(sizeof(Lanes) == static_cast<std::size_t>(kRegisterAlignment));
 
 static_assert(kFilterWords == StartBlock::kWords);
 
@@ -111,10 +109,6 @@ std::size_t CandidateFilter::margin(unsigned unit_length) {
          StartBlock::kStarts + 2 * kBitsPerWord;
 }
 
-void CandidateFilter::FreeAligned::operator()(std::byte* memory) const {
-  ::operator delete[](memory, kLanesAlignment);
-}
-
 CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,
                                  std::ptrdiff_t starts, const FilterKernel& kernel)
     : planes_(planes.words()),
@@ -139,7 +133,7 @@ void CandidateFilter::allocate() {
   const std::size_t forward_gains = size(plan.max_gain + 1);
   const std::size_t backward_gains = size(std::min(plan.min_score, plan.horizon) + 1);
   const std::size_t lanes = shifted + cells + 4 * row + forward_gains + backward_gains;
-  memory_.reset(new (kLanesAlignment) std::byte[lanes * sizeof(Lanes)]);
+  memory_ = allocate_registers(lanes * sizeof(Lanes));
   buffers_.shifted = static_cast<Lanes*>(static_cast<void*>(memory_.get()));
   buffers_.cells = buffers_.shifted + shifted;
   buffers_.mismatches = buffers_.cells + cells;
@@ -209,11 +203,10 @@ namespace {
 std::vector<FilterKernel> kernels_of_this_processor() {
   std::vector<FilterKernel> kernels{{portable::judge_block, portable::judge_starts, "portable"}};
 #ifdef VORLAN_X86_KERNELS
-  if (!__builtin_cpu_supports("bmi2")) return kernels;
-  if (__builtin_cpu_supports("avx2")) {
+  if (runs_avx2()) {
     kernels.push_back({avx2::judge_block, avx2::judge_starts, "avx2"});
   }
-  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
+  if (runs_avx512()) {
     kernels.push_back({avx512::judge_block, avx512::judge_starts, "avx512"});
   }
 #endif

@@ -8,11 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "imperfect/filter/candidate_filter_kernel.h"
+#include "imperfect/vector_level.h"
 #include "search/bit_planes.h"
 
 namespace vorlan {
@@ -84,10 +84,6 @@ class CandidateFilter {
   std::span<std::ptrdiff_t> take_doubts(std::size_t most);
 
  private:
-  struct FreeAligned {
-    void operator()(std::byte* memory) const;
-  };
-
   void allocate();
   /// Keeps of the first `count` starts in `survivors_` those that survive; returns how many.
   std::size_t keep_survivors(std::size_t count);
@@ -98,7 +94,7 @@ class CandidateFilter {
   FilterPlan glance_;
   FilterPlan close_look_;
   FilterKernel kernel_;
-  std::unique_ptr<std::byte[], FreeAligned> memory_;
+  RegisterMemory memory_;
   FilterBuffers buffers_{};
   /// Less than kFilterStarts when a block is added.
   std::array<std::ptrdiff_t, 2 * std::size_t{kFilterStarts}> doubts_;

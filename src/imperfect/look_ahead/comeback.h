@@ -119,10 +119,10 @@ class Comeback {
   }
 
   const Reach& reach(std::int32_t diagonal) const {
-    return reaches_[static_cast<std::size_t>(diagonal + kMostDiagonals)];
+    return reaches_[static_cast<std::size_t>(std::ptrdiff_t{diagonal} + kMostDiagonals)];
   }
   void set(std::int32_t diagonal, const Reach& reach) {
-    reaches_[static_cast<std::size_t>(diagonal + kMostDiagonals)] = reach;
+    reaches_[static_cast<std::size_t>(std::ptrdiff_t{diagonal} + kMostDiagonals)] = reach;
   }
 
   std::int32_t mismatch_score_;

@@ -136,7 +136,7 @@ class DiagonalMasks {
 
   std::uint64_t& mask(std::int32_t word, std::int32_t diagonal) {
     return masks_[static_cast<std::size_t>(word)]
-                 [static_cast<std::size_t>(diagonal + kMostDiagonals)];
+                 [static_cast<std::size_t>(std::ptrdiff_t{diagonal} + kMostDiagonals)];
   }
 
   BitPlanes::Words planes_{};

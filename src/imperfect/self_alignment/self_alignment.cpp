@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "imperfect/self_alignment/residue_codes.h"
+#include "imperfect/vector_level.h"
 
 namespace vorlan {
 namespace {
@@ -285,11 +286,8 @@ namespace {
 std::vector<AlignmentKernel> kernels_of_this_processor() {
   std::vector<AlignmentKernel> kernels{{portable::align_rising, portable::align_falling}};
 #ifdef VORLAN_X86_KERNELS
-  if (!__builtin_cpu_supports("bmi2")) return kernels;
-  if (__builtin_cpu_supports("avx2")) kernels.push_back({avx2::align_rising, avx2::align_falling});
-  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
-    kernels.push_back({avx512::align_rising, avx512::align_falling});
-  }
+  if (runs_avx2()) kernels.push_back({avx2::align_rising, avx2::align_falling});
+  if (runs_avx512()) kernels.push_back({avx512::align_rising, avx512::align_falling});
 #endif
   return kernels;
 }

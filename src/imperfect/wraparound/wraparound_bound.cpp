@@ -13,8 +13,6 @@
 namespace vorlan {
 namespace {
 
-constexpr std::align_val_t kRegisterAlignment{64};
-
 constexpr std::size_t kMostLanes = 64;
 
 /// Sequence that is not related to the unit is left after two or three units; what resembles the
@@ -41,10 +39,6 @@ std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_
 
 bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {
   return min_score > 0 && min_score <= highest_min_score(unit_length, kLargestWide);
-}
-
-void WraparoundBound::FreeAligned::operator()(std::byte* memory) const {
-  ::operator delete[](memory, kRegisterAlignment);
 }
 
 WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
@@ -81,7 +75,7 @@ WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
 void WraparoundBound::allocate() {
   const auto registers =
       wraparound_registers(static_cast<std::size_t>(looks_.front().plan.unit_length));
-  memory_.reset(new (kRegisterAlignment) std::byte[registers * register_bytes_]);
+  memory_ = allocate_registers(registers * register_bytes_);
 }
 
 std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts) {
@@ -108,11 +102,8 @@ namespace {
 std::vector<WraparoundKernel> kernels_of_this_processor() {
   std::vector<WraparoundKernel> kernels{portable::kWraparoundKernel};
 #ifdef VORLAN_X86_KERNELS
-  if (!__builtin_cpu_supports("bmi2")) return kernels;
-  if (__builtin_cpu_supports("avx2")) kernels.push_back(avx2::kWraparoundKernel);
-  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
-    kernels.push_back(avx512::kWraparoundKernel);
-  }
+  if (runs_avx2()) kernels.push_back(avx2::kWraparoundKernel);
+  if (runs_avx512()) kernels.push_back(avx512::kWraparoundKernel);
 #endif
   return kernels;
 }

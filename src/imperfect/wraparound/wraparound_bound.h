@@ -5,10 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
+#include "imperfect/vector_level.h"
 #include "imperfect/wraparound/wraparound_kernel.h"
 
 namespace vorlan {
@@ -40,10 +40,6 @@ class WraparoundBound {
   std::size_t keep_survivors(std::span<std::ptrdiff_t> starts);
 
  private:
-  struct FreeAligned {
-    void operator()(std::byte* memory) const;
-  };
-
   struct Look {
     WraparoundPlan plan;
     JudgeWraparound* judge;
@@ -57,7 +53,7 @@ class WraparoundBound {
   /// are enough to reject them.
   std::vector<Look> looks_;
   std::size_t register_bytes_;
-  std::unique_ptr<std::byte[], FreeAligned> memory_;
+  RegisterMemory memory_;
 };
 
 }  // namespace vorlan

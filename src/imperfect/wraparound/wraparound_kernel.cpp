@@ -86,12 +86,12 @@ class Batch {
   using Narrow __attribute__((vector_size(kLanes))) = unsigned char;
 
   Batch(const WraparoundPlan& plan, std::byte* memory)
-      : plan_(plan),
-        cells_(reinterpret_cast<Lanes*>(memory)),
-        unit_(cells_ + plan.unit_length),
-        costs_{Lanes{} + static_cast<Lane>(plan.mismatch_cost),
+      : costs_{Lanes{} + static_cast<Lane>(plan.mismatch_cost),
                Lanes{} + static_cast<Lane>(plan.indel_cost)},
-        enough_(Lanes{} + static_cast<Lane>(plan.min_score - plan.floor)) {}
+        enough_(Lanes{} + static_cast<Lane>(plan.min_score - plan.floor)),
+        plan_(plan),
+        cells_(reinterpret_cast<Lanes*>(memory)),
+        unit_(cells_ + plan.unit_length) {}
 
   void judge(const std::ptrdiff_t* starts, std::size_t count, bool* can_reach) {
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
@@ -281,13 +281,13 @@ class Batch {
     }
   }
 
+  Costs costs_;
+  Lanes enough_;
+  Lanes best_{};     ///< Above the floor, so far.
+  Lanes dropped_{};  ///< All bits of the starts whose paths are no longer followed.
   const WraparoundPlan& plan_;
   Lanes* cells_;
   Lanes* unit_;
-  Costs costs_;
-  Lanes enough_;
-  Lanes best_{};              ///< Above the floor, so far.
-  Lanes dropped_{};           ///< All bits of the starts whose paths are no longer followed.
   std::ptrdiff_t first_ = 0;  ///< Of the band of live cells.
   std::ptrdiff_t width_ = 0;
 };

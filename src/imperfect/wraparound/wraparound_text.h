@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+// Each kernel has definitions of its own: inline ones could be shared between instruction sets.
+// NOLINTBEGIN(misc-definitions-in-headers)
 namespace vorlan::VORLAN_FILTER_LEVEL {
 namespace {
 
@@ -103,3 +105,4 @@ class Reader {
 
 }  // namespace
 }  // namespace vorlan::VORLAN_FILTER_LEVEL
+// NOLINTEND(misc-definitions-in-headers)
