@@ -113,7 +113,9 @@ TEST_F(ImperfectExamples, CompleteImperfectSearchCpp) {
 
 /// The array of the example, with this many mismatches.
 std::string array_with_mismatches(int mismatches) {
-  return repeated("AC", 20) + "A" + repeated("G" + repeated("AC", 9) + "A", mismatches);
+  std::string copies_behind_a_mismatch = "G";
+  copies_behind_a_mismatch += repeated("AC", 9) + "A";
+  return repeated("AC", 20) + "A" + repeated(copies_behind_a_mismatch, mismatches);
 }
 
 TEST_F(ImperfectExamples, RecordSearchH) {
