@@ -50,7 +50,7 @@ class StoredWays {
     return std::max(scoring.floor(unit_length) + 1 + most_to_lose, kWorthStoring);
   }
 
-  /// Whether there are so many ways, about 300 MB, that they are better forgotten.
+  /// Whether there are so many ways, about 120 MB, that they are better forgotten.
   bool is_full() const { return nodes() > kMostNodes; }
   std::size_t nodes() const { return forward_.size() + backward_.size(); }
 
@@ -91,7 +91,7 @@ class StoredWays {
                 "places are stored in 32 bits");
 
   /// A node takes about 124 bytes.
-  static constexpr std::size_t kMostNodes = 2'500'000;
+  static constexpr std::size_t kMostNodes = 1'000'000;
 
   /// Extensions that never get this far are over soon, whatever the floor; storing their ways would
   /// cost more than it saves. Chosen by the bench, table "Tuning".
