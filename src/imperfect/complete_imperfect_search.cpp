@@ -8,7 +8,8 @@
 // that the search does not start again inside it, and opens those of its edit positions, where an
 // overlapping alternative may begin.
 //
-// Which candidates are passed over: those that the marks, an N or a unit of one repeated base
+// Which candidates are passed over: those without a residue behind them (UnitScan::starts), those
+// that the marks (CAnchorSeq::may_anchor), an N or a unit of one repeated base (UnitScan::is_unit)
 // exclude by the rules, and those that a filter proves to be rejected (filter/). Since the latter
 // leave no trace, the result is the same.
 //

@@ -4,8 +4,9 @@
 // Extension of a repeat over mismatches, insertions and deletions.
 //
 // Idea: follow the unit over matches. Where the sequence departs from it, ask the look-ahead which
-// edit promises most, make it and go on, until no edit keeps the score above the threshold. On the
-// way remember the best state; at the end return to it.
+// edit promises most, make it and go on, until no edit keeps the score above the threshold, or the
+// sequence ends or an N run follows that is too long. On the way remember the best state; at the
+// end return to it.
 //
 // Invariant: the events of the best state are a prefix of those made so far, so returning to it
 // means cutting the list.

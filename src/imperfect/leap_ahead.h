@@ -6,7 +6,8 @@
 // Where the sequence departs from the unit, the extension asks which edit promises most: it walks
 // on behind a mismatch, an insertion and a deletion, and at the next difference asks again, one
 // level deeper. The value of an edit is the highest score that any of these ways reaches. At most
-// `maximum_recursion_depth` edits are explored in a row, the one that is asked about included.
+// `maximum_recursion_depth` edits are explored in a row, the one that is asked about included. N
+// runs are walked through whatever their length, also those that end an extension.
 //
 // An edit is tried only while the score stays above the threshold. The best score on the way down
 // enters that threshold; what siblings have reached does not.
@@ -33,7 +34,8 @@ struct Choice {
   std::int64_t value;
 };
 
-/// See above. Cost: up to 3^depth walks. Allocates nothing, changes no state.
+/// See above. Cost: up to 3 + 9 + .. + 3^depth walks, and a stack frame for each level. Allocates
+/// nothing, changes no state.
 template <class Direction>
 class LeapAhead {
  public:

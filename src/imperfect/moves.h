@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "imperfect/scoring.h"
+#include "search/csat.h"
 #include "search/direction.h"
 
 namespace vorlan {
@@ -25,6 +26,7 @@ constexpr int unit_bases_used(Move move) {
   return move == Move::kMismatch || move == Move::kDeletion ? 1 : 0;
 }
 
+/// Requires a move, not kNone.
 inline std::int64_t score_of(Move move, const Scoring& scoring) {
   return move == Move::kMismatch ? scoring.mismatch_score : scoring.indel_score;
 }

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <iterator>
+
 namespace vorlan {
 
 /// Which engines may help the searches. None of them changes a result: with all of them left out
@@ -16,7 +18,7 @@ struct Accelerations {
   bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
   bool self_alignment = true;     ///< imperfect/self_alignment/first_copy_bound.h
   bool wraparound = true;         ///< imperfect/wraparound/wraparound_kernel.h
-  bool series_filter = true;      ///< imperfect/filter/series_filter.h
+  bool series_filter = true;      ///< imperfect/filter/series_filter.h; with both filters above
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
   bool bit_look_ahead = true;     ///< imperfect/look_ahead/furthest_places.h
   bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
@@ -24,20 +26,8 @@ struct Accelerations {
   bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h
   bool events_on_demand = true;   ///< imperfect/record_search.h; works on shared ways alone
 
-  static constexpr Accelerations none() {
-    return {.run_samples = false,
-            .exact_filter = false,
-            .candidate_filter = false,
-            .self_alignment = false,
-            .wraparound = false,
-            .series_filter = false,
-            .early_end = false,
-            .bit_look_ahead = false,
-            .merged_look_ahead = false,
-            .shared_ways = false,
-            .late_marks = false,
-            .events_on_demand = false};
-  }
+  /// All left out.
+  static constexpr Accelerations none();
 };
 
 /// An engine by name, for tests and benchmarks that go through all.
@@ -59,5 +49,13 @@ inline constexpr NamedAcceleration kAccelerations[] = {
     {"late_marks", &Accelerations::late_marks},
     {"events_on_demand", &Accelerations::events_on_demand},
 };
+
+static_assert(std::size(kAccelerations) == sizeof(Accelerations), "one name for each switch");
+
+constexpr Accelerations Accelerations::none() {
+  Accelerations none;
+  for (const NamedAcceleration& engine : kAccelerations) none.*engine.is_on = false;
+  return none;
+}
 
 }  // namespace vorlan

@@ -21,8 +21,8 @@ namespace vorlan {
 class BitPlanes;
 class CAnchorSeq;
 class RecordSearch;     // what the imperfect searches of the record share; in imperfect/
-class SparseStarts;     // which starts resemble what follows; in imperfect/
-class SeriesSurvivors;  // what is known of its starts beforehand; in imperfect/
+class SparseStarts;     // which starts of the record resemble what follows; in imperfect/
+class SeriesSurvivors;  // what is known of them beforehand; in imperfect/
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
 /// searching. Construct one for each record, call one search, then `remove_hidden`,
@@ -140,7 +140,7 @@ class CSearchController {
   void report_progress(ScanProgress& progress, std::ptrdiff_t end,
                        std::ptrdiff_t first_visited = 0);
 
-  /// Made when it is first needed, for seeds of this kind.
+  /// Made by the first call, whose `seed` is that of the record; later calls name the same.
   RecordSearch& record_search(SeedKind seed);
 
   SearchConsole console_;

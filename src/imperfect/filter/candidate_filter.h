@@ -45,7 +45,10 @@ class CandidateFilter {
 
   /// Glances first also in a short sequence, for a close look that needs few lanes. Returns whether
   /// it can.
-  bool glance_always() { return glances_ = can_judge_; }
+  bool glance_always() {
+    glances_ = can_judge_;
+    return glances_;
+  }
 
   /// How many edits a path can afford as far as a close look goes, whose cost grows with the square
   /// of that; the largest number when it cannot judge.

@@ -53,9 +53,9 @@ void StartFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
   if (!glances_) return filter_.doubt_all(first_word, candidates);
   if (!bound_alone_) return filter_.glance(first_word, candidates);
   glanced_at_ += count_starts(candidates);
-  left_in_doubt_ -= doubts();
+  const std::size_t doubts_before = doubts();
   filter_.glance(first_word, candidates);
-  left_in_doubt_ += doubts();
+  left_in_doubt_ += doubts() - doubts_before;
   glances_ = glanced_at_ < kEnoughGlances || left_in_doubt_ < glanced_at_ / 2;
 }
 

@@ -61,13 +61,11 @@ class Comeback {
     set(0, {0, 0});
     set(-1, kNone);
     set(1, kNone);
-    std::int32_t widest = 0;
     std::int32_t highest = 0;
     for (std::int32_t edits = 1; edits <= most_edits; ++edits) {
       if (highest + std::max(mismatch_score_, indel_score_) <= threshold) return false;
-      widest = edits;
-      masks.open(widest);
-      highest = make_edits(masks, widest, threshold);
+      masks.open(edits);
+      highest = make_edits(masks, edits, threshold);
       if (highest >= goal) return true;
       if (highest == kDead) return false;
     }

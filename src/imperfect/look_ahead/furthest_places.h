@@ -55,10 +55,11 @@ class FurthestPlaces {
   /// Whether decisions with these settings can be made here.
   static bool can_decide(const Scoring& scoring) {
     return scoring.has_constant_threshold() && scoring.deepest_level() > 0 &&
-           scoring.deepest_level() <= kMostEdits && scoring.dearest_edit() > -kLargest;
+           scoring.deepest_level() <= kMostEdits &&
+           // So many edits stay above a threshold that was clamped to -kLargest.
+           scoring.dearest_edit() * kMostEdits > -kLargest;
   }
 
-  /// Requires settings that it can decide with.
   explicit FurthestPlaces(const Scoring& scoring)
       : mismatch_score_(static_cast<std::int32_t>(scoring.mismatch_score)),
         indel_score_(static_cast<std::int32_t>(scoring.indel_score)),
@@ -66,8 +67,8 @@ class FurthestPlaces {
 
   /// The move that LeapAhead::best_move chooses at level 0, or nothing when it cannot be told.
   /// `masks` have been started at the decision with at least as many diagonals as edits are
-  /// explored; `residues` is how many there are until the stop, at least 1. Requires a threshold of
-  /// at least -kLargest.
+  /// explored; `residues` is how many there are until the stop, at least 1. Requires settings that
+  /// it `can_decide` with, and a threshold of at least -kLargest.
   std::optional<Move> best_move(Masks& masks, std::int32_t threshold, std::int64_t residues) {
     threshold_ = threshold;
     residues_ = residues;

@@ -40,6 +40,7 @@
 
 #include "imperfect/look_ahead/mismatch_masks.h"
 #include "imperfect/moves.h"
+#include "input/csequence_mol.h"
 #include "search/walk.h"
 
 namespace vorlan {

@@ -38,7 +38,7 @@ class PeriodicUnit {
 };
 
 /// Where the residues ahead of a decision differ from the unit, on each diagonal, as bits: a walk
-/// over matches is one count of zeros instead of a loop. Looks no further than kReach residues, and
+/// over matches is one count of zeros instead of a loop. Looks no further than kWords words, and
 /// not across anything but bases; there the walk has to be made step by step.
 ///
 /// Example, unit AC, diagonal 0, residues ACTC.. and bases for a whole word: bits 0010.., and the

@@ -11,7 +11,7 @@
 // Let each unit base that is consumed earn a bonus b besides what the extension pays: a match then
 // scores 1 + b, a mismatch b less its penalty, a deletion b less its penalty, an insertion its
 // penalty alone. Let V be the best sum of a way to the right and W of one to the left, never below
-// 0. The extension never lets its score fall below the floor f = 1 - u - preference. So a way that
+// 0. The lowest score above the floor of the extension is f = 1 - u - preference. So a way that
 // uses up the first copy of the unit sums to at least T = b * u + f. A way that gains G within the
 // first copy has G matches or more and sums to at least (1 + b) * G.
 //
@@ -47,9 +47,9 @@
 // Which b: a low one asks for little, which much of random sequence has as long as units are short;
 // a high one lets what is similar shine far through junk, which matters for long units.
 //
-// Limits: b must be more than 1, or T is never above the floor. The bonus must also leave random
-// sequence without a gain in the long run, so cheap penalties cannot be judged. Short units ask for
-// so little that much of random sequence has it.
+// Limits: b must be more than 1, or T is at most 1 however long the unit is. The bonus must also
+// leave random sequence without a gain in the long run, so cheap penalties cannot be judged. Short
+// units ask for so little that much of random sequence has it.
 
 #pragma once
 

@@ -7,6 +7,7 @@
 #include <bit>
 #include <functional>
 #include <numeric>
+#include <utility>
 
 namespace vorlan {
 namespace {

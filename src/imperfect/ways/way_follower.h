@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -132,6 +133,7 @@ class WayFollower {
   bool make_decision(Front& front, AlignmentTotals& totals, Decision& decision) {
     const AlignmentTotals before = totals;
     decision.move = steps_.decide(front, totals.score, totals.score);
+    assert(decision.move != Move::kNone);  // the lowest score leaves room for each edit
     steps_.make(decision.move, front, totals);
     const bool goes_on = steps_.reach_decision(front, totals);
     decision.gain = totals - before;
