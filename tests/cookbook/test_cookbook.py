@@ -289,7 +289,7 @@ class Cookbook(unittest.TestCase):
 
     @judges("Masking on several cores")
     def test_the_masked_parts_are_the_masked_whole(self) -> None:
-        self.bench.run("vorlan --maskX genome.fa whole.txt")
+        self.bench.run("vorlan --maskX genome.fa masked-run.txt")
         self.assertEqual(self.lines("genome.masked.fa"), self.lines("genome.fa.masked"))
 
     @judges("Before you begin")
