@@ -53,9 +53,9 @@ class LookAhead {
   static constexpr int kFewEdits = 3;
   static constexpr int kShallowLevel = 7;
 
-  /// A long unit affords so many edits that the proof takes longer than the decisions that it saves,
-  /// of which the bounds before the extension leave few: on human sequence it gains nothing at 20
-  /// bases, and at 100 it costs half of the time.
+  /// A long unit affords so many edits that the proof takes longer than the decisions that it
+  /// saves, of which the bounds before the extension leave few: on human sequence it gains nothing
+  /// at 20 bases, and at 100 it costs half of the time.
   static constexpr std::ptrdiff_t kLongestUnitToEndEarly = 20;
 
   // Close to the floor there are so few paths that looking for equal states costs more than it
