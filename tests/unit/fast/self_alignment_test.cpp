@@ -274,7 +274,7 @@ TEST_F(AcceptedStarts, WhoseOneSideSavesTheOtherSurvive) {
       }
     }
   }
-  EXPECT_GT(accepted_, 1'000U * kWorkload);
+  EXPECT_GT(accepted_, 1'250U * kWorkload);
   EXPECT_GT(rejected_, 100U);
 }
 
@@ -299,8 +299,8 @@ TEST_F(AcceptedStarts, OfAllShortTextsSurvive) {
       });
     }
   }
-  EXPECT_GT(accepted_, 1'000U * kWorkload);
-  EXPECT_GT(rejected_, 100U * kWorkload);
+  EXPECT_GT(accepted_, 1'250U * kWorkload);
+  EXPECT_GT(rejected_, 125U * kWorkload);
 }
 
 TEST_F(AcceptedStarts, OfAllShortTextsWithNSurvive) {
@@ -316,8 +316,8 @@ TEST_F(AcceptedStarts, OfAllShortTextsWithNSurvive) {
       return !testing::Test::HasFailure();
     });
   }
-  EXPECT_GT(accepted_, 100U * kWorkload);
-  EXPECT_GT(rejected_, 100U * kWorkload);
+  EXPECT_GT(accepted_, 125U * kWorkload);
+  EXPECT_GT(rejected_, 125U * kWorkload);
 }
 
 TEST_F(SelfAlignmentTest, RejectsNearlyAllOfTheBackground) {
