@@ -122,7 +122,7 @@ tools:
 	$(call build,tools)
 
 test-tools:
-	$(need) build tools test-tools cookbook documents
+	$(need) build test tools test-tools cookbook documents
 	$(call configure,tools,ON)
 	$(call build,tools)
 	@ctest --preset tools
