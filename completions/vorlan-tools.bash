@@ -5,6 +5,9 @@
 
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
+  [catalog]='-t --to -g --genome -o --output -O --output-type --write-index --rejected --overlaps --min-gap --flank
+    --max-period --max-length --trim-to-units --cut-names --unit-length --min-perfection --min-length --min-copies
+    -h --help'
   [check]='-g --genome --limit -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
@@ -15,6 +18,19 @@ declare -gA _vorlan_tools_options=(
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
+  [catalog -t]='trgt hipstr gangstr eh longtr atarva straglr'
+  [catalog --to]='trgt hipstr gangstr eh longtr atarva straglr'
+  [catalog -O]='z u'
+  [catalog --output-type]='z u'
+  [catalog --overlaps]='best all drop'
+  [catalog --min-gap]=''
+  [catalog --flank]=''
+  [catalog --max-period]=''
+  [catalog --max-length]=''
+  [catalog --unit-length]=''
+  [catalog --min-perfection]=''
+  [catalog --min-length]=''
+  [catalog --min-copies]=''
   [check --limit]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 #include <string_view>
+#include <tuple>
 #include <unordered_set>
 #include <vector>
 
@@ -135,6 +137,7 @@ class CatalogMaker {
   void settle() {
     if (request_.overlaps == OverlapPolicy::kBest) keep_best();
     if (request_.overlaps == OverlapPolicy::kDrop) drop_neighbours();
+    if (request_.overlaps == OverlapPolicy::kAll) drop_twins();
     for (const Candidate& candidate : candidates_) {
       if (candidate.reason) {
         rejections_.add(name_, candidate.repeat, *candidate.reason);
@@ -170,6 +173,16 @@ class CatalogMaker {
     const std::vector<Candidate*> found = loci();
     if (found.size() < 2) return;
     for (Candidate* candidate : found) candidate->reason = Reason::kOverlap;
+  }
+
+  /// Alignments may differ where place and motif do not: to a genotyper that is one locus.
+  void drop_twins() {
+    std::set<std::tuple<std::int64_t, std::int64_t, std::string_view>> places;
+    for (Candidate* candidate : loci()) {
+      const Locus& locus = candidate->locus;
+      if (!places.emplace(locus.start, locus.end, locus.motif).second)
+        candidate->reason = Reason::kTwin;
+    }
   }
 
   void finish() {

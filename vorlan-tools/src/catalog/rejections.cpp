@@ -38,7 +38,8 @@ std::array<std::string, kReasonCount> reason_texts(const CatalogRequest& request
           "longer than " + std::to_string(rules.max_length) + " bases",
           "less than " + std::to_string(rules.flank) + " bases from an end of the sequence",
           "with more than " + std::to_string(rules.max_ns_in_flanks) + " N in the flanks",
-          overlap_text(request)};
+          overlap_text(request),
+          "the same locus as another"};
 }
 
 }  // namespace

@@ -16,8 +16,8 @@
 namespace vorlan_tools {
 
 /// Why a repeat became no locus. A repeat that several reasons exclude has the first of them.
-enum class Reason { kFilter, kName, kMotif, kPeriod, kShort, kLong, kFlank, kNs, kOverlap };
-constexpr std::size_t kReasonCount = 9;
+enum class Reason { kFilter, kName, kMotif, kPeriod, kShort, kLong, kFlank, kNs, kOverlap, kTwin };
+constexpr std::size_t kReasonCount = 10;
 
 /// A repeat of the report that has been looked at: what a table of rejections tells of it.
 struct Judged {
