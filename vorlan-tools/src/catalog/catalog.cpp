@@ -186,17 +186,19 @@ class CatalogMaker {
   }
 
   void finish() {
-    rejections_.finish();
+    rejections_.close();
     const std::uint64_t all = output_.count() + rejections_.count();
     std::string sentence = "vorlan-tools: " + std::to_string(output_.count()) + " of " +
                            std::to_string(all) + " repeats are loci for " +
                            std::string(rules_.title);
     if (rejections_.count() > 0) sentence += "; dropped: " + rejections_.summary();
     if (output_.count() == 0) {
+      rejections_.commit();
       throw DataError("No locus is left of " + std::to_string(all) + " repeats" +
                       (all > 0 ? "; dropped: " + rejections_.summary() : "") + ".");
     }
     output_.finish();
+    rejections_.commit();
     std::cerr << sentence << ".\n";
   }
 

@@ -65,8 +65,12 @@ void Rejections::add(std::string_view name, const Judged& repeat, Reason reason)
   table_->write(row_);
 }
 
-void Rejections::finish() {
-  if (table_) table_->finish();
+void Rejections::close() {
+  if (table_) table_->close();
+}
+
+void Rejections::commit() {
+  if (table_) table_->commit();
 }
 
 std::uint64_t Rejections::count() const {

@@ -37,8 +37,11 @@ class Rejections {
   /// `name` is the name of the sequence in the report.
   void add(std::string_view name, const Judged& repeat, Reason reason);
 
-  /// Writes what is left and gives the table its name.
-  void finish();
+  /// Writes what is left; nothing may be added afterwards.
+  void close();
+
+  /// Gives the closed table its name.
+  void commit();
 
   std::uint64_t count() const;
 
