@@ -56,10 +56,9 @@ void append_expansion_hunter(std::string& text, std::string_view name, const Loc
   std::string region(name);
   append_number(region += ':', locus.start);
   append_number(region += '-', locus.end);
-  bool is_exact = true;
-  (text += "  {\n    \"LocusId\": ") += json_string(id, is_exact);
+  append_json_string(text += "  {\n    \"LocusId\": ", id);
   ((text += ",\n    \"LocusStructure\": \"(") += locus.motif) += ")*\"";
-  (text += ",\n    \"ReferenceRegion\": ") += json_string(region, is_exact);
+  append_json_string(text += ",\n    \"ReferenceRegion\": ", region);
   text += ",\n    \"VariantType\": \"Repeat\"\n  }";
 }
 
