@@ -13,7 +13,10 @@ declare -gA _vorlan_tools_options=(
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
+  [resolve]='--strategy --max-gap -o --output -O --output-type --members --cut-names --unit-length --min-perfection
+    --min-length --min-copies -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
+  [ssr]='--min --compound --min-perfection -o --output --units --sequences --compounds -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
@@ -44,10 +47,21 @@ declare -gA _vorlan_tools_values=(
   [convert --min-copies]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [resolve --strategy]='best union tile'
+  [resolve --max-gap]=''
+  [resolve -O]='z u'
+  [resolve --output-type]='z u'
+  [resolve --unit-length]=''
+  [resolve --min-perfection]=''
+  [resolve --min-length]=''
+  [resolve --min-copies]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''
   [run --ending]=''
+  [ssr --min]=''
+  [ssr --compound]=''
+  [ssr --min-perfection]=''
 )
 
 _vorlan_tools() {

@@ -8,7 +8,9 @@
 #include "cli/convert.h"
 #include "cli/mask.h"
 #include "cli/merge.h"
+#include "cli/resolve.h"
 #include "cli/run.h"
+#include "cli/ssr.h"
 
 namespace vorlan_tools {
 
@@ -19,7 +21,9 @@ void add_subcommands(CLI::App& app, Action& action,
   add_convert(app, action);
   add_mask(app, action);
   add_merge(app, action);
+  add_resolve(app, action);
   add_run(app, action, vorlan_arguments);
+  add_ssr(app, action);
 }
 
 }  // namespace vorlan_tools
