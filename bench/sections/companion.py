@@ -21,7 +21,8 @@ OUTPUT = "companion.out"
 # FASTA stands for the genome. No subcommand may take more than this part of the search.
 MOST_OF_THE_SEARCH = 0.1
 COMMANDS = ["check", "check -g FASTA", "merge", "mask -g FASTA", "mask -g FASTA -O z", "catalog -t trgt -g FASTA",
-            "catalog -t eh -g FASTA", "resolve", "resolve --strategy tile", "ssr", *(f"convert -t {target}{more}" for target, more in (
+            "catalog -t eh -g FASTA", "resolve", "resolve --strategy tile", "ssr",
+            *(f"convert -t {target}{more}" for target, more in (
                 ("bed", ""), ("bed", " -O z"), ("gff3", ""), ("gff3", " -O z"), ("jsonl", ""), ("jsonl", " -O z"),
                 ("tsv", ""), ("sam", ""), ("bam", ""), ("paf", "")))]
 # Million bytes of a report in a second, at least.

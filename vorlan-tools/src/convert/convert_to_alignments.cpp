@@ -115,6 +115,7 @@ class AlignmentFile {
 
   void finish() {
     if (index_ && sam_idx_save(file_.get()) != 0) fail();
+    // On a full disk htslib 1.16 frees nothing here; see OutputFile::close().
     if (hts_close(file_.release()) != 0) fail();
     pending_.commit();
     if (index_) index_->commit();

@@ -78,6 +78,8 @@ void OutputFile::close() {
   if (bgzf_ != nullptr) {
     BGZF* const file = bgzf_;
     bgzf_ = nullptr;
+    // Where the last bytes cannot be written, htslib 1.16 frees nothing and has no call that would:
+    // 130 kB stay until the process ends, which is at once.
     if (bgzf_close(file) != 0) fail();
   } else {
     flush();
