@@ -161,6 +161,7 @@ class CatalogMaker {
     const std::vector<Candidate*> found = loci();
     if (found.size() < 2) return;
     std::vector<ScoredSpan> spans;
+    spans.reserve(found.size());
     for (const Candidate* candidate : found) spans.push_back(candidate->span());
     const std::vector<bool> is_chosen = choose_best(spans, request_.min_gap);
     for (std::size_t i = 0; i < found.size(); ++i) {
@@ -217,16 +218,19 @@ class CatalogMaker {
   std::vector<Candidate> candidates_;
 };
 
+void refuse_same_file(const std::string& input, const std::string& output) {
+  if (!is_same_file(input, output)) return;
+  throw UsageError("The output " + output + " is the same file as the input " + input + ".");
+}
+
 void require_sense(const CatalogRequest& request) {
   if (request.report == "-" && request.fasta == "-") {
     throw UsageError("Only one of report and FASTA file can be standard input.");
   }
-  for (const std::string& input : {request.report, request.fasta}) {
-    for (const std::string& output : {request.output, request.rejected}) {
-      if (!output.empty() && is_same_file(input, output)) {
-        throw UsageError("The output " + output + " is the same file as the input " + input + ".");
-      }
-    }
+  for (const std::string& output : {request.output, request.rejected}) {
+    if (output.empty()) continue;
+    refuse_same_file(request.report, output);
+    refuse_same_file(request.fasta, output);
   }
   if (request.output == request.rejected) {
     throw UsageError("The catalogue and the rejected repeats need two files.");
