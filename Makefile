@@ -122,7 +122,7 @@ tools:
 	$(call build,tools)
 
 test-tools:
-	$(need) build tools test-tools cookbook documents
+	$(need) build test tools test-tools cookbook documents
 	$(call configure,tools,ON)
 	$(call build,tools)
 	@ctest --preset tools
@@ -153,7 +153,7 @@ mutants:
 	@tests/mutation/run_mutants.py --write tests/mutation/results.md
 
 bench:
-	$(need) build bench
+	$(need) build tools bench
 	$(call configure,bench,OFF)
 	$(call build,bench)
 	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA)) $(SECTION:%=--section %) $(if $(QUICK),--quick)

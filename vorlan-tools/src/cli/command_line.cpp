@@ -17,6 +17,7 @@
 #include "cli/exit_status.h"
 #include "cli/subcommands.h"
 #include "errors.h"
+#include "io/unfinished_files.h"
 
 #ifndef VORLAN_TOOLS_VERSION
 #error "The build names the version."
@@ -84,6 +85,7 @@ int run_command_line(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return end_parse(app, error);
   }
+  remove_unfinished_files_at_signals();
   return perform(action);
 }
 

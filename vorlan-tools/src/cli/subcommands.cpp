@@ -3,21 +3,27 @@
 
 #include "cli/subcommands.h"
 
+#include "cli/catalog.h"
 #include "cli/check.h"
 #include "cli/convert.h"
 #include "cli/mask.h"
 #include "cli/merge.h"
+#include "cli/resolve.h"
 #include "cli/run.h"
+#include "cli/ssr.h"
 
 namespace vorlan_tools {
 
 void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments) {
+  add_catalog(app, action);
   add_check(app, action);
   add_convert(app, action);
   add_mask(app, action);
   add_merge(app, action);
+  add_resolve(app, action);
   add_run(app, action, vorlan_arguments);
+  add_ssr(app, action);
 }
 
 }  // namespace vorlan_tools
