@@ -8,6 +8,7 @@
 #include "cli/mask.h"
 #include "cli/merge.h"
 #include "cli/run.h"
+#include "cli/stats.h"
 
 namespace vorlan_tools {
 
@@ -18,6 +19,7 @@ void add_subcommands(CLI::App& app, Action& action,
   add_mask(app, action);
   add_merge(app, action);
   add_run(app, action, vorlan_arguments);
+  add_stats(app, action);
 }
 
 }  // namespace vorlan_tools
