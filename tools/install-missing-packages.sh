@@ -39,6 +39,7 @@ parallel parallel
 primer3_core primer3
 python3 python3' ;;
     tools) echo 'pkg-config pkg-config
+/usr/share/javascript/chart.js/chart.min.js libjs-chart.js
 /usr/include/htslib/bgzf.h libhts-dev
 /usr/include/CLI/CLI.hpp libcli11-dev
 /usr/include/nlohmann/json.hpp nlohmann-json3-dev' ;;

@@ -7,6 +7,7 @@
 #include "cli/convert.h"
 #include "cli/mask.h"
 #include "cli/merge.h"
+#include "cli/page.h"
 #include "cli/run.h"
 #include "cli/stats.h"
 
@@ -18,6 +19,7 @@ void add_subcommands(CLI::App& app, Action& action,
   add_convert(app, action);
   add_mask(app, action);
   add_merge(app, action);
+  add_page(app, action);
   add_run(app, action, vorlan_arguments);
   add_stats(app, action);
 }
