@@ -41,7 +41,7 @@ function repeatText(repeat, sequence) {
   const score = repeat.score === null ? "" : `, score ${shown(repeat.score)}`;
   const unit = repeat.unit.length > 60 ? `${repeat.unit.slice(0, 60)}...` : repeat.unit;
   return `${sequence}:${shown(repeat.start)}-${shown(repeat.end)}, ${plural(repeat.bases, "base")}, `
-    + `(${unit || `${repeat.unit_length} bases`})${shown(repeat.copies)}, ${shown(repeat.perfection)} % perfect${score}`;
+    + `(${unit || `${repeat.unit_length} bases`})${shown(repeat.copies)}, ${percentText(repeat.perfection)} perfect${score}`;
 }
 
 function repeatList(repeats, sequence = null) {

@@ -10,6 +10,7 @@ function genomeSections(genome) {
   map = null;
   if (genome.repeats > 0) {
     sections.push(repeatsChart(genome), basesChart(genome), copiesChart(genome), landscapeChart(genome));
+    sections.push(unitsChart(genome));
     if (genome.knows_edits) sections.push(editsChart(genome));
     sections.push(unitsSection(genome));
     if (genome.windows.sequences.length > 0) {

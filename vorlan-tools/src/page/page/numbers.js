@@ -11,6 +11,11 @@ function shown(value) {
   return value.toLocaleString("en-GB", {minimumFractionDigits: digits, maximumFractionDigits: digits});
 }
 
+/// A percentage in a sentence: always one decimal.
+function percentText(value) {
+  return `${value.toFixed(1)} %`;
+}
+
 function withUnit(value, unit) {
   return value === null || value === undefined ? "not known" : `${shown(value)} ${unit}`;
 }

@@ -6,7 +6,7 @@
 
 const rowHeight = 13;
 const rowStep = 19;
-const labelWidth = 150;
+const nameLength = 20;
 
 function windowsOf(genome) {
   const {size, sequences} = genome.windows;
@@ -46,10 +46,10 @@ function windowText(window) {
     + `${shown(window.percent)} % in repeats`;
 }
 
-function mapLegend(colours, borders, y) {
+function mapLegend(colours, borders, left, y) {
   const group = makeSvg("g", {"font-size": 12, fill: colours.soft});
   const steps = [[0, "none"], ...borders.map((border, i) => [border, `${i ? `${shown(borders[i - 1])}-` : "up to "}${shown(border)} %`])];
-  let x = labelWidth;
+  let x = left;
   for (const [border, text] of steps) {
     group.append(makeSvg("rect", {x, y, width: 14, height: 12, fill: densityColour(colours, borders, border), stroke: colours.line}),
       makeSvg("text", {x: x + 19, y: y + 10.5}, text));
@@ -63,6 +63,8 @@ function mapDrawing(genome, width, colours) {
   const sequences = windowsOf(genome);
   const borders = quantileBorders(sequences.flatMap(({windows}) => windows.map(({percent}) => percent)), colours.density.length);
   const longest = Math.max(1, ...sequences.map(({length}) => length));
+  const names = sequences.map(({name}) => (name.length > nameLength ? `${name.slice(0, nameLength - 1)}\u2026` : name));
+  const labelWidth = 16 + 7.2 * Math.max(2, ...names.map((name) => name.length));
   const scale = (width - labelWidth - 90) / longest;
   const others = genome.other_sequences;
   const rows = sequences.length + (others.sequences > 0 ? 1 : 0);
@@ -74,7 +76,7 @@ function mapDrawing(genome, width, colours) {
   sequences.forEach((sequence, row) => {
     const y = row * rowStep;
     svg.append(makeSvg("text", {x: labelWidth - 8, y: y + 10.5, "text-anchor": "end", "font-size": 12, fill: colours.text},
-      sequence.name.length > 20 ? `${sequence.name.slice(0, 19)}\u2026` : sequence.name));
+      names[row]));
     for (const window of sequence.windows) {
       const tile = makeSvg("rect", {
         class: "tile", x: labelWidth + window.begin * scale, y, height: rowHeight,
@@ -91,7 +93,7 @@ function mapDrawing(genome, width, colours) {
     const y = sequences.length * rowStep;
     svg.append(makeSvg("text", {x: labelWidth, y: y + 10.5, "font-size": 12, fill: colours.soft}, othersText(others)));
   }
-  svg.append(mapLegend(colours, borders, rows * rowStep + 14));
+  svg.append(mapLegend(colours, borders, labelWidth, rows * rowStep + 14));
   return {svg, tiles};
 }
 

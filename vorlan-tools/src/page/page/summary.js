@@ -39,8 +39,9 @@ function settingsElement(genome) {
 }
 
 function keySection(genome) {
-  const without = genome.loci_per_mb_without_n === undefined ? null : make("p", {class: "soft"},
-    `Without N: ${shown(genome.loci_per_mb_without_n)} repeats and ${shown(genome.bases_per_mb_without_n)} bases per Mb.`);
+  const without = genome.loci_per_mb_without_n === undefined
+    ? make("p", {class: "soft"}, "How many N there are is known if the page is made with --genome.")
+    : make("p", {class: "soft"}, `Without N: ${shown(genome.loci_per_mb_without_n)} repeats and ${shown(genome.bases_per_mb_without_n)} bases per Mb.`);
   return make("section", {id: "key-figures"}, ...heading(genome.name, null), keyFigures(genome), without,
     ...sentences(genome).map((text) => make("p", {}, text)), settingsElement(genome));
 }

@@ -115,3 +115,19 @@ function landscapeChart(genome) {
       colours.series[i % colours.series.length])),
   }));
 }
+
+function unitsChart(genome) {
+  const units = genome.units.slice(0, 15);
+  const others = units.map((unit) => unit.bases_in_repeats - unit.bases_in_perfect);
+  return chartFigure(genome, {
+    id: "bases-by-unit", title: "Bases in repeats of the commonest units", isHalf: true,
+    note: "The fifteen units with most repeats. A unit stands for all its rotations on both strands.",
+    columns: [{title: "Unit", value: (row) => row.unit, isText: true}, numberColumn("All", "bases_in_repeats"),
+      numberColumn("Perfect", "bases_in_perfect"), numberColumn("Imperfect", (row) => row.bases_in_repeats - row.bases_in_perfect)],
+    rows: units,
+  }, (colours) => chartConfig(colours, {
+    labels: units.map(({unit}) => (unit.length > 14 ? `${unit.slice(0, 13)}\u2026` : unit)), x: "Unit", y: "Bases", stacked: true,
+    datasets: [barsOf("Perfect", units.map((unit) => unit.bases_in_perfect), colours.perfect),
+      barsOf("Imperfect", others, colours.imperfect)],
+  }));
+}
