@@ -10,7 +10,9 @@ declare -gA _vorlan_tools_options=(
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
+  [page]='-g --genome --name -o --output -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
+  [stats]='-g --genome --name --tsv --json --multiqc -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
@@ -28,10 +30,12 @@ declare -gA _vorlan_tools_values=(
   [convert --min-copies]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [page --name]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''
   [run --ending]=''
+  [stats --name]=''
 )
 
 _vorlan_tools() {

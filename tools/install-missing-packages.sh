@@ -54,6 +54,13 @@ jq jq
 PicardCommandLine picard-tools
 groff groff-base
 zsh zsh' ;;
+    test-browser) echo '/usr/include/gtest/gtest.h libgtest-dev
+python3 python3
+chromium chromium
+chromedriver chromium-driver
+/usr/lib/python3/dist-packages/selenium python3-selenium
+/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf fonts-dejavu-core
+multiqc multiqc' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;
