@@ -5,6 +5,8 @@
 
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
+  [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
+    --vorlan --tsv --json -h --help'
   [check]='-g --genome --limit -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
@@ -17,6 +19,14 @@ declare -gA _vorlan_tools_options=(
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
+  [calibrate -k]='1 2 3 4 5 6'
+  [calibrate --word-length]='1 2 3 4 5 6'
+  [calibrate --copies]=''
+  [calibrate --seed]=''
+  [calibrate --window]=''
+  [calibrate --mask-length]=''
+  [calibrate -j]=''
+  [calibrate --jobs]=''
   [check --limit]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'

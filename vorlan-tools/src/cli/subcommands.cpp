@@ -3,6 +3,7 @@
 
 #include "cli/subcommands.h"
 
+#include "cli/calibrate.h"
 #include "cli/check.h"
 #include "cli/convert.h"
 #include "cli/mask.h"
@@ -15,6 +16,7 @@ namespace vorlan_tools {
 
 void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments) {
+  add_calibrate(app, action, vorlan_arguments);
   add_check(app, action);
   add_convert(app, action);
   add_mask(app, action);

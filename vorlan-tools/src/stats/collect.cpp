@@ -37,16 +37,6 @@ std::pair<std::string, std::string> setting_of(std::string_view line) {
   return {trimmed(line.substr(0, colon)), trimmed(line.substr(colon + 1))};
 }
 
-/// All lines of the head from the range of sequences to the legend or the names of columns.
-std::vector<std::pair<std::string, std::string>> settings_of(const Head& head) {
-  std::vector<std::pair<std::string, std::string>> settings;
-  for (std::size_t i = head.range_line; i < head.lines.size(); ++i) {
-    if (head.lines[i].compare(0, 5, "#    ") != 0) break;
-    settings.push_back(setting_of(head.lines[i]));
-  }
-  return settings;
-}
-
 /// Counts the repeats of one sequence after the other.
 class Collector {
  public:
@@ -218,6 +208,15 @@ class GenomeMatch {
 };
 
 }  // namespace
+
+std::vector<std::pair<std::string, std::string>> settings_of(const Head& head) {
+  std::vector<std::pair<std::string, std::string>> settings;
+  for (std::size_t i = head.range_line; i < head.lines.size(); ++i) {
+    if (head.lines[i].compare(0, 5, "#    ") != 0) break;
+    settings.push_back(setting_of(head.lines[i]));
+  }
+  return settings;
+}
 
 std::string as_utf8(const std::string& text) {
   using nlohmann::json;

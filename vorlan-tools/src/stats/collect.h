@@ -4,8 +4,11 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "io/rereadable_input.h"
+#include "report/head.h"
 #include "stats/genome_stats.h"
 
 namespace vorlan_tools {
@@ -27,6 +30,9 @@ GenomeStats collect_stats(const RereadableInput& report, const GenomeRequest& re
 /// The name for a genome: that of `input` without folder and without the endings of compressed
 /// FASTA files; from `report` if the input was no file with a name.
 std::string genome_name(const std::string& input, const std::string& report);
+
+/// The settings of the search that a head states, as pairs of a label and a value.
+std::vector<std::pair<std::string, std::string>> settings_of(const Head& head);
 
 /// The text with bytes that are no UTF-8 replaced by U+FFFD.
 std::string as_utf8(const std::string& text);
