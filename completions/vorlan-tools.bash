@@ -8,11 +8,11 @@ declare -gA _vorlan_tools_options=(
   [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
     --vorlan --tsv --json -h --help'
   [check]='-g --genome --limit -h --help'
-  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
+  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names --calibration -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
-  [page]='-g --genome --name -o --output -h --help'
+  [page]='-g --genome --name --calibration -o --output -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
   [stats]='-g --genome --name --tsv --json --multiqc -h --help'
 )

@@ -54,8 +54,8 @@ int perform(const Action& action) {
   return kData;
 }
 
-// What stands behind "--" of `run` and `calibrate` is the command line of another program, and never
-// read as ours. Shortens `argc`.
+// What stands behind "--" of `run` and `calibrate` is the command line of another program, and
+// never read as ours. Shortens `argc`.
 std::vector<std::string> take_vorlan_arguments(int& argc, char** argv) {
   std::vector<std::string> arguments;
   if (argc < 2) return arguments;

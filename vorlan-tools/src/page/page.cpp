@@ -3,6 +3,7 @@
 
 #include "page/page.h"
 
+#include "calibrate/calibration_json.h"
 #include "page/page_parts.h"
 #include "stats/stats_json.h"
 
@@ -36,11 +37,16 @@ std::string embeddable(const nlohmann::ordered_json& json) {
 
 }  // namespace
 
-std::string page_text(const std::vector<GenomeStats>& genomes) {
+std::string page_text(const std::vector<GenomeStats>& genomes,
+                      const std::vector<Calibration>& calibrations) {
   const std::string_view text = page_template();
   const std::size_t mark = text.find(kDataMark);
   std::string page(text.substr(0, mark));
-  page += embeddable(to_json(genomes, Detail::kPage));
+  nlohmann::ordered_json numbers = to_json(genomes, Detail::kPage);
+  for (std::size_t i = 0; i < calibrations.size(); ++i) {
+    numbers["genomes"][i]["calibration"] = to_json(calibrations[i]);
+  }
+  page += embeddable(numbers);
   page += text.substr(mark + kDataMark.size());
   return page;
 }

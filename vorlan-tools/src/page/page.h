@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "calibrate/calibration.h"
 #include "stats/genome_stats.h"
 
 namespace vorlan_tools {
@@ -15,6 +16,9 @@ namespace vorlan_tools {
 ///
 /// Names of sequences may be any text. They reach the page in JSON only, in which no character can
 /// end a script or begin a comment, and its scripts handle them as text only.
-std::string page_text(const std::vector<GenomeStats>& genomes);
+///
+/// `calibrations` are none, or one for each genome.
+std::string page_text(const std::vector<GenomeStats>& genomes,
+                      const std::vector<Calibration>& calibrations);
 
 }  // namespace vorlan_tools

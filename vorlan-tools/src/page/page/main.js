@@ -12,6 +12,7 @@ function genomeSections(genome) {
     sections.push(repeatsChart(genome), basesChart(genome), copiesChart(genome), landscapeChart(genome));
     sections.push(unitsChart(genome));
     if (genome.knows_edits) sections.push(editsChart(genome));
+    if (genome.calibration?.by_unit_length.length > 0) sections.push(calibrationSection(genome));
     sections.push(unitsSection(genome));
     if (genome.windows.sequences.length > 0) {
       map = mapFigure(genome);
