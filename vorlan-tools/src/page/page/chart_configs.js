@@ -14,8 +14,10 @@ function axis(colours, title, more = {}) {
 
 function chartConfig(colours, {type = "bar", labels, datasets, x, y, stacked = false, logarithmic = false, unit = ""}) {
   const short = (value) => Intl.NumberFormat("en-GB", {notation: "compact", maximumFractionDigits: 2}).format(value);
-  const isDecade = (value) => Number.isInteger(Math.round(1e6 * Math.log10(value)) / 1e6);
-  const ticks = {callback: (value) => (logarithmic && !isDecade(value) ? "" : short(value))};
+  const leading = (value) => Math.round(value / 10 ** Math.floor(Math.log10(value)));
+  const largest = Math.max(1, ...datasets.flatMap((set) => set.data.map((value) => value ?? 0)));
+  const labelled = largest < 200 ? [1, 2, 5] : [1];
+  const ticks = {callback: (value) => (logarithmic && !labelled.includes(leading(value)) ? "" : short(value))};
   return {
     type,
     data: {labels, datasets},
@@ -24,7 +26,7 @@ function chartConfig(colours, {type = "bar", labels, datasets, x, y, stacked = f
       interaction: {mode: "index", intersect: false},
       scales: {
         x: axis(colours, x, {stacked}),
-        y: axis(colours, y, {stacked, ticks, ...(logarithmic ? {type: "logarithmic", min: 0.8} : {beginAtZero: true})}),
+        y: axis(colours, y, {stacked, ticks, ...(logarithmic ? {type: "logarithmic", min: 0.8, suggestedMax: 1.6 * largest} : {beginAtZero: true})}),
       },
       plugins: {
         legend: {display: datasets.length > 1, labels: {color: colours.text, boxWidth: 14}},
