@@ -8,8 +8,10 @@ declare -gA _vorlan_tools_options=(
   [catalog]='-t --to -g --genome -o --output -O --output-type --write-index --rejected --overlaps --min-gap --flank
     --max-period --max-length --trim-to-units --cut-names --unit-length --min-perfection --min-length --min-copies
     -h --help'
+  [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
+    --vorlan --tsv --json -h --help'
   [check]='-g --genome --limit -h --help'
-  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
+  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names --calibration -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
@@ -17,6 +19,8 @@ declare -gA _vorlan_tools_options=(
     --min-length --min-copies -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
   [ssr]='--min --compound --min-perfection -o --output --units --sequences --compounds -h --help'
+  [page]='-g --genome --name --calibration -o --output -h --help'
+  [stats]='-g --genome --name --tsv --json --multiqc -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
@@ -34,6 +38,14 @@ declare -gA _vorlan_tools_values=(
   [catalog --min-perfection]=''
   [catalog --min-length]=''
   [catalog --min-copies]=''
+  [calibrate -k]='1 2 3 4 5 6'
+  [calibrate --word-length]='1 2 3 4 5 6'
+  [calibrate --copies]=''
+  [calibrate --seed]=''
+  [calibrate --window]=''
+  [calibrate --mask-length]=''
+  [calibrate -j]=''
+  [calibrate --jobs]=''
   [check --limit]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'
@@ -55,6 +67,7 @@ declare -gA _vorlan_tools_values=(
   [resolve --min-perfection]=''
   [resolve --min-length]=''
   [resolve --min-copies]=''
+  [page --name]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''
@@ -62,6 +75,7 @@ declare -gA _vorlan_tools_values=(
   [ssr --min]=''
   [ssr --compound]=''
   [ssr --min-perfection]=''
+  [stats --name]=''
 )
 
 _vorlan_tools() {
