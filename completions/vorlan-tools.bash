@@ -8,6 +8,7 @@ declare -gA _vorlan_tools_options=(
   [check]='-g --genome --limit -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
+  [count]='-l --loci -g --genome -o --output --flank --max-length -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
@@ -26,6 +27,8 @@ declare -gA _vorlan_tools_values=(
   [convert --min-perfection]=''
   [convert --min-length]=''
   [convert --min-copies]=''
+  [count --flank]=''
+  [count --max-length]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
   [run -j]=''

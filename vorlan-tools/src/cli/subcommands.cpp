@@ -5,6 +5,7 @@
 
 #include "cli/check.h"
 #include "cli/convert.h"
+#include "cli/count.h"
 #include "cli/mask.h"
 #include "cli/merge.h"
 #include "cli/run.h"
@@ -15,6 +16,7 @@ void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments) {
   add_check(app, action);
   add_convert(app, action);
+  add_count(app, action);
   add_mask(app, action);
   add_merge(app, action);
   add_run(app, action, vorlan_arguments);
