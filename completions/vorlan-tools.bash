@@ -6,17 +6,28 @@
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
   [check]='-g --genome --limit -h --help'
+  [consensus]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
+    --min-length --min-copies -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [count]='-l --loci -g --genome -o --output --flank --max-length -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
+  [monomers]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
+    --min-length --min-copies -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
   [check --limit]=''
+  [consensus -t]='fasta tsv'
+  [consensus --to]='fasta tsv'
+  [consensus --begin]=''
+  [consensus --unit-length]=''
+  [consensus --min-perfection]=''
+  [consensus --min-length]=''
+  [consensus --min-copies]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'
   [convert -O]='z u'
@@ -31,6 +42,13 @@ declare -gA _vorlan_tools_values=(
   [count --max-length]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [monomers -t]='bed fasta'
+  [monomers --to]='bed fasta'
+  [monomers --begin]=''
+  [monomers --unit-length]=''
+  [monomers --min-perfection]=''
+  [monomers --min-length]=''
+  [monomers --min-copies]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''

@@ -4,10 +4,12 @@
 #include "cli/subcommands.h"
 
 #include "cli/check.h"
+#include "cli/consensus.h"
 #include "cli/convert.h"
 #include "cli/count.h"
 #include "cli/mask.h"
 #include "cli/merge.h"
+#include "cli/monomers.h"
 #include "cli/run.h"
 
 namespace vorlan_tools {
@@ -15,10 +17,12 @@ namespace vorlan_tools {
 void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments) {
   add_check(app, action);
+  add_consensus(app, action);
   add_convert(app, action);
   add_count(app, action);
   add_mask(app, action);
   add_merge(app, action);
+  add_monomers(app, action);
   add_run(app, action, vorlan_arguments);
 }
 
