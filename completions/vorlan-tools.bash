@@ -6,6 +6,7 @@
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
   [check]='-g --genome --limit -h --help'
+  [compare]='--flank --all --vcf -o --output -h --help'
   [consensus]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
     --min-length --min-copies -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
@@ -21,6 +22,7 @@ declare -gA _vorlan_tools_options=(
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
   [check --limit]=''
+  [compare --flank]=''
   [consensus -t]='fasta tsv'
   [consensus --to]='fasta tsv'
   [consensus --begin]=''

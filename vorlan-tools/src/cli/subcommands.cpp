@@ -4,6 +4,7 @@
 #include "cli/subcommands.h"
 
 #include "cli/check.h"
+#include "cli/compare.h"
 #include "cli/consensus.h"
 #include "cli/convert.h"
 #include "cli/count.h"
@@ -17,6 +18,7 @@ namespace vorlan_tools {
 void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments) {
   add_check(app, action);
+  add_compare(app, action);
   add_consensus(app, action);
   add_convert(app, action);
   add_count(app, action);
