@@ -65,11 +65,13 @@ ComparedReport read_compared_report(const std::string& name, std::int64_t flank)
           to_locus(reader, report.sequences.size() - 1, static_cast<std::size_t>(flank)));
     }
   }
-  std::stable_sort(report.loci.begin(), report.loci.end(),
-                   [](const ComparedLocus& a, const ComparedLocus& b) {
-                     return std::tie(a.sequence, a.start, a.end, a.unit) <
-                            std::tie(b.sequence, b.start, b.end, b.unit);
-                   });
+  const auto is_before = [](const ComparedLocus& a, const ComparedLocus& b) {
+    return std::tie(a.sequence, a.start, a.end, a.unit) <
+           std::tie(b.sequence, b.start, b.end, b.unit);
+  };
+  if (!std::is_sorted(report.loci.begin(), report.loci.end(), is_before)) {
+    std::stable_sort(report.loci.begin(), report.loci.end(), is_before);
+  }
   return report;
 }
 

@@ -27,13 +27,13 @@
 // shifts the pairs; what differs then is which copy is the new one.
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
-#include <string_view>
 #include <tuple>
 
 #include "compare/border_shift.h"
+#include "compare/locus_keys.h"
 #include "compare/locus_pairs.h"
-#include "fasta/other_strand.h"
 
 namespace vorlan_tools {
 
@@ -46,14 +46,6 @@ constexpr int kRounds = 20;
 constexpr std::size_t kNeighbours = 24;
 constexpr std::int64_t kFarOff = 1000;
 constexpr std::int64_t kCloseBy = 5;
-
-/// The text that identifies a locus; `is_reverse` tells on which strand it is read.
-struct Key {
-  std::string text;
-  std::size_t locus;
-  bool is_second;
-  bool is_reverse;
-};
 
 /// Pairs in work.
 class Pairer {
@@ -68,11 +60,11 @@ class Pairer {
   }
 
   Pairing pair() {
-    pair_by_keys(both_flanks());
-    pair_by_keys(single_flanks(), Demand::kBothSides);
+    pair_by_keys(KeyKind::kBothFlanks, Demand::kNothing);
+    pair_by_keys(KeyKind::kOneFlank, Demand::kBothSides);
     pair_neighbours();
     pair_equal_keys_in_order();
-    pair_by_keys(single_flanks(), Demand::kNothing);
+    pair_by_keys(KeyKind::kOneFlank, Demand::kNothing);
     pair_neighbours();
     return result();
   }
@@ -98,77 +90,94 @@ class Pairer {
     taken_[pair.second] = pair.first;
   }
 
-  template <typename MakeKeys>
-  Keys keys_of_all(MakeKeys make) const {
+  /// The keys of all loci that have no partner.
+  Keys keys_of(KeyKind kind) const {
     Keys keys;
     for (const bool is_second : {false, true}) {
       const std::vector<ComparedLocus>& loci = is_second ? second_.loci : first_.loci;
       for (std::size_t i = 0; i < loci.size(); ++i) {
         if (is_second ? is_taken(i) : is_paired(i)) continue;
-        make(loci[i], i, is_second, keys);
+        if (kind == KeyKind::kBothFlanks) {
+          add_both_flanks(loci[i], i, is_second, keys);
+        } else {
+          add_single_flanks(loci[i], i, is_second, keys);
+        }
       }
     }
     std::sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) {
-      return std::tie(a.text, a.is_second, a.locus) < std::tie(b.text, b.is_second, b.locus);
+      return std::tie(a.number, a.is_second, a.locus) < std::tie(b.number, b.is_second, b.locus);
     });
     return keys;
   }
 
-  Keys both_flanks() const {
-    return keys_of_all(
-        [this](const ComparedLocus& locus, std::size_t number, bool is_second, Keys& keys) {
-          if (locus.left.size() + locus.right.size() < flank_) return;
-          std::string text = locus.left + '|' + locus.unit + '|' + locus.right;
-          std::string turned =
-              other_strand(locus.right) + '|' + locus.unit + '|' + other_strand(locus.left);
-          const bool is_reverse = turned < text;
-          keys.push_back(
-              {is_reverse ? std::move(turned) : std::move(text), number, is_second, is_reverse});
-        });
+  void add_both_flanks(const ComparedLocus& locus, std::size_t number, bool is_second,
+                       Keys& keys) const {
+    if (locus.left.size() + locus.right.size() < flank_) return;
+    std::string text;
+    std::string turned;
+    set_key_text(locus, KeyKind::kBothFlanks, false, text);
+    set_key_text(locus, KeyKind::kBothFlanks, true, turned);
+    const bool is_reverse = turned < text;
+    keys.push_back({number_of(is_reverse ? turned : text), number, is_second, is_reverse});
   }
 
-  Keys single_flanks() const {
-    return keys_of_all(
-        [this](const ComparedLocus& locus, std::size_t number, bool is_second, Keys& keys) {
-          if (locus.left.size() == flank_) {
-            keys.push_back({locus.left + '|' + locus.unit, number, is_second, false});
-          }
-          if (locus.right.size() == flank_) {
-            keys.push_back({other_strand(locus.right) + '|' + locus.unit, number, is_second, true});
-          }
-        });
+  void add_single_flanks(const ComparedLocus& locus, std::size_t number, bool is_second,
+                         Keys& keys) const {
+    std::string text;
+    for (const bool is_reverse : {false, true}) {
+      if ((is_reverse ? locus.right : locus.left).size() != flank_) continue;
+      set_key_text(locus, KeyKind::kOneFlank, is_reverse, text);
+      keys.push_back({number_of(text), number, is_second, is_reverse});
+    }
   }
 
-  void pair_by_keys(const Keys& keys, Demand demand = Demand::kNothing) {
+  void pair_by_keys(KeyKind kind, Demand demand) {
+    const Keys keys = keys_of(kind);
     for (std::size_t i = 0; i < keys.size();) {
       std::size_t end = i + 1;
-      while (end < keys.size() && keys[end].text == keys[i].text) ++end;
+      while (end < keys.size() && keys[end].number == keys[i].number) ++end;
       const bool is_unique = end == i + 2 && !keys[i].is_second && keys[i + 1].is_second;
-      if (is_unique) offer(keys[i], keys[i + 1], demand);
+      if (is_unique) offer(keys[i], keys[i + 1], kind, demand);
       i = end;
     }
   }
 
-  void offer(const Key& one, const Key& other, Demand demand) {
+  void offer(const Key& one, const Key& other, KeyKind kind, Demand demand) {
     if (is_paired(one.locus) || is_taken(other.locus)) return;
-    const LocusPair pair = measured(one.locus, other.locus, one.is_reverse != other.is_reverse);
+    std::string text;
+    std::string other_text;
+    set_key_text(first_.loci[one.locus], kind, one.is_reverse, text);
+    set_key_text(second_.loci[other.locus], kind, other.is_reverse, other_text);
+    if (text != other_text) return;
+    const bool is_reverse = one.is_reverse != other.is_reverse;
+    const LocusPair pair = kind == KeyKind::kBothFlanks
+                               ? with_equal_flanks(one.locus, other.locus, is_reverse)
+                               : measured(one.locus, other.locus, is_reverse);
     if (demand == Demand::kBothSides && !(pair.left_shift && pair.right_shift)) return;
     take(pair);
   }
 
+  LocusPair with_equal_flanks(std::size_t i, std::size_t j, bool is_reverse) const {
+    LocusPair pair{i, j, is_reverse, {}, {}, false};
+    if (!first_.loci[i].left.empty()) pair.left_shift = BorderShift{0, true};
+    if (!first_.loci[i].right.empty()) pair.right_shift = BorderShift{0, true};
+    return pair;
+  }
+
   void pair_equal_keys_in_order() {
-    const Keys keys = both_flanks();
+    const Keys keys = keys_of(KeyKind::kBothFlanks);
     for (std::size_t i = 0; i < keys.size();) {
       std::size_t middle = i;
-      while (middle < keys.size() && keys[middle].text == keys[i].text && !keys[middle].is_second) {
-        ++middle;
-      }
+      const auto is_equal = [&](std::size_t k) {
+        return k < keys.size() && keys[k].number == keys[i].number;
+      };
+      while (is_equal(middle) && !keys[middle].is_second) ++middle;
       std::size_t end = middle;
-      while (end < keys.size() && keys[end].text == keys[i].text) ++end;
+      while (is_equal(end)) ++end;
       for (std::size_t one = i, other = middle; one < middle && other < end; ++one, ++other) {
-        offer(keys[one], keys[other], Demand::kNothing);
+        offer(keys[one], keys[other], KeyKind::kBothFlanks, Demand::kNothing);
       }
-      i = std::max(end, i + 1);
+      i = end;
     }
   }
 

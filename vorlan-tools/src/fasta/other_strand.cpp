@@ -3,32 +3,32 @@
 
 #include "fasta/other_strand.h"
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace vorlan_tools {
 
 namespace {
 
-char partner(char base) {
-  switch (base) {
-    case 'A':
-      return 'T';
-    case 'C':
-      return 'G';
-    case 'G':
-      return 'C';
-    case 'T':
-      return 'A';
-    default:
-      return base;
+constexpr std::array<char, 256> make_partners() {
+  std::array<char, 256> partners{};
+  for (std::size_t byte = 0; byte < partners.size(); ++byte) {
+    partners[byte] = static_cast<char>(byte);
   }
+  partners['A'] = 'T';
+  partners['C'] = 'G';
+  partners['G'] = 'C';
+  partners['T'] = 'A';
+  return partners;
 }
+
+constexpr std::array<char, 256> kPartners = make_partners();
 
 }  // namespace
 
 std::string other_strand(std::string_view bases) {
   std::string other(bases.rbegin(), bases.rend());
-  std::transform(other.begin(), other.end(), other.begin(), partner);
+  for (char& base : other) base = kPartners[static_cast<unsigned char>(base)];
   return other;
 }
 
