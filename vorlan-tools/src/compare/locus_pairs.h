@@ -16,7 +16,7 @@ namespace vorlan_tools {
 enum class LocusFate : std::uint8_t {
   kUnpaired,  ///< it is not there
   kPaired,    ///< it is there
-  kReread,    ///< it is part of what a locus of the same unit covers there
+  kReread,    ///< its place is read otherwise: with other borders, or another unit
 };
 
 /// A locus of the second report that is one of the first.

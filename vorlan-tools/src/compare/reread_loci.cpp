@@ -5,17 +5,42 @@
 
 #include <algorithm>
 
+#include "fasta/other_strand.h"
+
 namespace vorlan_tools {
 
 namespace {
 
 constexpr std::size_t kNone = SIZE_MAX;
+constexpr std::size_t kOtherUnit = SIZE_MAX - 1;
 constexpr std::size_t kNeighbours = 24;
+/// A place that a neighbour tells may be so many bases off, since borders move.
+constexpr std::int64_t kPlay = 5;
 
 struct Partner {
   std::size_t locus = kNone;
   bool is_reverse = false;
 };
+
+/// Whether bases that would begin at `start` are those of `other`, as far as both reach: three of
+/// four, over at least half of the shorter one.
+bool are_same_bases(const std::string& bases, const ComparedLocus& other, std::int64_t start) {
+  const auto size = static_cast<std::int64_t>(bases.size());
+  const auto other_size = static_cast<std::int64_t>(other.bases.size());
+  for (std::int64_t play = -kPlay; play <= kPlay; ++play) {
+    const std::int64_t offset = start + play - other.start;
+    const std::int64_t begin = std::max<std::int64_t>(0, -offset);
+    const std::int64_t end = std::min(size, other_size - offset);
+    std::int64_t equal = 0;
+    for (std::int64_t k = begin; k < end; ++k) {
+      equal +=
+          bases[static_cast<std::size_t>(k)] == other.bases[static_cast<std::size_t>(k + offset)];
+    }
+    const bool is_enough = 2 * (end - begin) >= std::min(size, other_size) && end > begin;
+    if (is_enough && 4 * equal >= 3 * (end - begin)) return true;
+  }
+  return false;
+}
 
 /// One direction: loci of `here` that lie in loci of `there`.
 class Marker {
@@ -24,7 +49,7 @@ class Marker {
          std::vector<Partner> partners)
       : here_(here), there_(there), partners_(std::move(partners)) {}
 
-  /// Returns which loci of `there` cover marked ones.
+  /// Returns which loci of `there` cover marked ones of their unit.
   std::vector<bool> mark(std::vector<LocusFate>& fates) const {
     std::vector<bool> covers(there_.size());
     for (std::size_t i = 0; i < here_.size(); ++i) {
@@ -33,7 +58,7 @@ class Marker {
       if (covering == kNone) covering = covering_locus(i, true);
       if (covering == kNone) continue;
       fates[i] = LocusFate::kReread;
-      covers[covering] = true;
+      if (covering != kOtherUnit) covers[covering] = true;
     }
     return covers;
   }
@@ -62,20 +87,27 @@ class Marker {
     // Behind a neighbour that has become longer or shorter, its far border counts.
     const bool is_behind = i > anchor;
     const std::int64_t begin = is_behind ? far_start : start;
-    return overlapping(partner.locus, locus.unit, begin, begin + locus.length());
+    return overlapping(locus, partner, begin);
   }
 
-  std::size_t overlapping(std::size_t centre, const std::string& unit, std::int64_t start,
-                          std::int64_t end) const {
-    const std::size_t first = centre - std::min(centre, kNeighbours);
-    const std::size_t last = std::min(there_.size(), centre + kNeighbours + 1);
+  /// The locus that covers a place of the unit of `locus`; kOtherUnit if one of another unit has
+  /// its bases; kNone.
+  std::size_t overlapping(const ComparedLocus& locus, const Partner& centre,
+                          std::int64_t start) const {
+    const std::int64_t end = start + locus.length();
+    const std::size_t first = centre.locus - std::min(centre.locus, kNeighbours);
+    const std::size_t last = std::min(there_.size(), centre.locus + kNeighbours + 1);
+    std::size_t found = kNone;
     for (std::size_t j = first; j < last; ++j) {
       const ComparedLocus& other = there_[j];
-      const bool is_there = other.sequence == there_[centre].sequence && other.unit == unit &&
-                            other.start < end && start < other.end;
-      if (is_there) return j;
+      const bool is_there =
+          other.sequence == there_[centre.locus].sequence && other.start < end && start < other.end;
+      if (!is_there) continue;
+      if (other.unit == locus.unit) return j;
+      const std::string bases = centre.is_reverse ? other_strand(locus.bases) : locus.bases;
+      if (are_same_bases(bases, other, start)) found = kOtherUnit;
     }
-    return kNone;
+    return found;
   }
 
   const std::vector<ComparedLocus>& here_;
