@@ -168,8 +168,11 @@ std::vector<Trial> trials_of(const std::vector<Place>& places) {
   std::stable_sort(trials.begin(), trials.end(),
                    [](const Trial& a, const Trial& b) { return a.copies > b.copies; });
   if (trials.size() > kPolishTrials) trials.resize(kPolishTrials);
-  std::stable_sort(trials.begin(), trials.end(),
-                   [](const Trial& a, const Trial& b) { return a.place > b.place; });
+  // Behind a place before the place itself, which may go.
+  std::stable_sort(trials.begin(), trials.end(), [](const Trial& a, const Trial& b) {
+    if (a.place != b.place) return a.place > b.place;
+    return a.inserted != 0 && b.inserted == 0;
+  });
   return trials;
 }
 
