@@ -84,10 +84,11 @@ class Marker {
                                                   : beside.start + (locus.start - known.start);
     const std::int64_t far_start = partner.is_reverse ? beside.start - (locus.end - known.end)
                                                       : beside.end + (locus.start - known.end);
-    // Behind a neighbour that has become longer or shorter, its far border counts.
+    // Beside a neighbour that has become longer or shorter, its near border counts, unless other
+    // loci became a part of it.
     const bool is_behind = i > anchor;
-    const std::int64_t begin = is_behind ? far_start : start;
-    return overlapping(locus, partner, begin);
+    const std::size_t found = overlapping(locus, partner, is_behind ? far_start : start);
+    return found != kNone ? found : overlapping(locus, partner, is_behind ? start : far_start);
   }
 
   /// The locus that covers a place of the unit of `locus`; kOtherUnit if one of another unit has

@@ -43,7 +43,7 @@ constexpr std::size_t kWhole = 8000;
 constexpr std::size_t kWholeCopies = 60;
 constexpr std::size_t kWindows = 10;
 constexpr std::size_t kPolishCopies = 40;
-constexpr std::size_t kPolishTrials = 60;
+constexpr std::size_t kPolishChanges = 60;
 constexpr std::string_view kBases = "ACGT";
 
 using Counts = std::array<std::int64_t, kBases.size()>;
@@ -145,32 +145,37 @@ Refined refine(const std::vector<std::string_view>& windows, std::string unit) {
 }
 
 /// A unit with one place more or less.
-struct Trial {
+struct LengthChange {
   std::int64_t copies;  ///< that ask for it
   std::size_t place;
   char inserted;  ///< behind that place; 0: the place goes
 };
 
 /// Changes of the length that a fifth of the copies ask for, the last place first; no more than
-/// kPolishTrials, the most wanted ones.
-std::vector<Trial> trials_of(const std::vector<Place>& places) {
+/// kPolishChanges, the most wanted ones.
+std::vector<LengthChange> changes_of(const std::vector<Place>& places) {
   constexpr std::int64_t kFifth = 5;
-  std::vector<Trial> trials;
+  std::vector<LengthChange> changes;
   for (std::size_t j = 0; j < places.size(); ++j) {
     const Place& place = places[j];
-    if (kFifth * place.lacking > place.copies) trials.push_back({place.lacking, j, 0});
+    if (kFifth * place.lacking > place.copies) changes.push_back({place.lacking, j, 0});
     if (place.behind.empty()) continue;
     const std::int64_t inserted = sum(place.behind.front());
     if (kFifth * inserted > place.copies) {
-      trials.push_back({inserted, j, commonest(place.behind.front(), kBases.front())});
+      changes.push_back({inserted, j, commonest(place.behind.front(), kBases.front())});
     }
   }
-  std::stable_sort(trials.begin(), trials.end(),
-                   [](const Trial& a, const Trial& b) { return a.copies > b.copies; });
-  if (trials.size() > kPolishTrials) trials.resize(kPolishTrials);
-  std::stable_sort(trials.begin(), trials.end(),
-                   [](const Trial& a, const Trial& b) { return a.place > b.place; });
-  return trials;
+  std::stable_sort(
+      changes.begin(), changes.end(),
+      [](const LengthChange& a, const LengthChange& b) { return a.copies > b.copies; });
+  if (changes.size() > kPolishChanges) changes.resize(kPolishChanges);
+  // Behind a place before the place itself, which may go.
+  std::stable_sort(changes.begin(), changes.end(),
+                   [](const LengthChange& a, const LengthChange& b) {
+                     if (a.place != b.place) return a.place > b.place;
+                     return a.inserted != 0 && b.inserted == 0;
+                   });
+  return changes;
 }
 
 /// Makes each change of the length that makes the copies cheaper to explain; false if none does.
@@ -178,12 +183,12 @@ std::vector<Trial> trials_of(const std::vector<Place>& places) {
 bool polish(std::string_view sample, const std::vector<Place>& places, std::string& unit) {
   std::int64_t cost = unit_alignment_cost(sample, unit);
   bool is_changed = false;
-  for (const Trial& trial : trials_of(places)) {
+  for (const LengthChange& change : changes_of(places)) {
     std::string changed = unit;
-    if (trial.inserted != 0) {
-      changed.insert(trial.place + 1, 1, trial.inserted);
+    if (change.inserted != 0) {
+      changed.insert(change.place + 1, 1, change.inserted);
     } else if (unit.size() > 1) {
-      changed.erase(trial.place, 1);
+      changed.erase(change.place, 1);
     }
     const std::int64_t changed_cost = unit_alignment_cost(sample, changed);
     if (changed_cost >= cost) continue;

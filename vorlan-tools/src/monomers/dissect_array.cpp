@@ -20,8 +20,10 @@ constexpr std::size_t kCopiesForStrand = 10;
 
 std::string on_strand_of(std::string_view array, const std::string& unit) {
   const std::string_view sample = array.substr(0, kCopiesForStrand * unit.size());
+  const std::int64_t cost = unit_alignment_cost(sample, unit);
+  if (cost == 0) return unit;
   std::string other = other_strand(unit);
-  return unit_alignment_cost(sample, other) < unit_alignment_cost(sample, unit) ? other : unit;
+  return unit_alignment_cost(sample, other) < cost ? other : unit;
 }
 
 /// The consensus turned so that the first base of the array is aligned with its first place.

@@ -107,9 +107,26 @@ void trace_block(std::string_view part, std::string_view unit, Row before,
   place = now;
 }
 
+/// Whether the array is the unit written again and again, from its first base on.
+bool is_repetition(std::string_view array, std::string_view unit) {
+  const std::size_t head = std::min(array.size(), unit.size());
+  return array.substr(0, head) == unit.substr(0, head) &&
+         array.substr(head) == array.substr(0, array.size() - head);
+}
+
+/// The alignment of such an array, which no other can better.
+std::vector<UnitStep> equal_steps(std::size_t bases, std::size_t unit) {
+  std::vector<UnitStep> steps(bases);
+  for (std::size_t i = 0; i < bases; ++i) {
+    steps[i] = {static_cast<std::uint32_t>(i % unit), Kind::kAligned};
+  }
+  return steps;
+}
+
 }  // namespace
 
 std::vector<UnitStep> align_to_unit(std::string_view array, std::string_view unit) {
+  if (is_repetition(array, unit)) return equal_steps(array.size(), unit.size());
   const std::size_t block = std::max<std::size_t>(1, kChoices / unit.size());
   const std::vector<Row> rows = rows_at_blocks(array, unit, block);
   std::optional<std::size_t> place;
@@ -123,6 +140,7 @@ std::vector<UnitStep> align_to_unit(std::string_view array, std::string_view uni
 }
 
 std::int64_t unit_alignment_cost(std::string_view array, std::string_view unit) {
+  if (is_repetition(array, unit)) return 0;
   Row before(unit.size(), 0);
   Row row(unit.size());
   for (const char base : array) {

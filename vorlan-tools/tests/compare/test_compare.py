@@ -78,6 +78,14 @@ class CompareTest(unittest.TestCase):
         row = tools("compare", "--all", "--flank", "20", first, second).decode().split("\n")[1].split("\t")
         self.assertEqual((row[0], row[9:12]), ("same", ["24", "25", "0"]))
 
+    def test_two_that_became_one_are_neither_lost_nor_new(self) -> None:
+        """In the first assembly GATTC stands between two (CAG)6."""
+        first = self.report("first", f">a\n{L[0]}{CAG * 6}GATTC{CAG * 6}{L[1]}{AC * 10}{L[3]}\n")
+        second = self.report("second", f">a\n{L[0]}{CAG * 14}{L[1]}{AC * 10}{L[3]}\n")
+        for pair in ((first, second), (second, first)):
+            rows = tools("compare", "--flank", "20", *pair).decode().split("\n")[1:-1]
+            self.assertEqual(sorted(row.split("\t")[0] for row in rows), ["reread", "unclear"])
+
     def test_by_position(self) -> None:
         """Without --flank overlaps count, on sequences of one name in any order: (CAG)9 overlaps (CAG)8, and (AATG)5
         what it was, three bases further."""

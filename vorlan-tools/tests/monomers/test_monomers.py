@@ -68,6 +68,14 @@ class MonomersTest(unittest.TestCase):
         self.assertEqual(records[1:-1:2], COPIES)
         self.assertEqual(records[2], ">1.2 s1:14-23 divergence=10.000")
 
+    def test_a_copy_without_its_first_base_is_a_copy(self) -> None:
+        """The third one lacks its G; C before it and A behind it keep the place of the gap."""
+        copies = [UNIT, UNIT, UNIT[1:], UNIT, UNIT]
+        self.fasta = self.file("first.fa", f">f\n{''.join(copies)}\n")
+        rows = [row.split("\t") for row in self.monomers(f"f\t0\t49\t{UNIT}\n").split("\n")[:-1]]
+        self.assertEqual([(int(row[1]), int(row[2]), row[10]) for row in rows],
+                         [(0, 10, "0"), (10, 20, "0"), (20, 29, "1"), (29, 39, "0"), (39, 49, "0")])
+
     def test_the_guess_may_be_any_copy_in_any_phase_on_any_strand(self) -> None:
         other = str.maketrans("ACGT", "TGCA")
         for guess in [*COPIES[1:5], UNIT[4:] + UNIT[:4], UNIT[::-1].translate(other)]:

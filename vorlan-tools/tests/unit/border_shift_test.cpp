@@ -98,10 +98,10 @@ TEST(PairByPosition, OtherSequencesAndUnitsAreNoPairs) {
   first.sequences = {{"a", 1000}};
   first.loci = {locus_of(10, "", "ACACACACAC", "")};
   ComparedReport second = first;
-  second.sequences[0].name = "b";
+  second.sequences[0].name.assign(1, 'b');
   EXPECT_TRUE(pair_by_position(first, second).pairs.empty());
-  second.sequences[0].name = "a";
-  second.loci[0].unit = "AG";
+  second.sequences[0].name.assign(1, 'a');
+  second.loci[0].unit.assign(2, 'A');
   EXPECT_TRUE(pair_by_position(first, second).pairs.empty());
 }
 

@@ -65,6 +65,11 @@ TEST(FlankFinder, AnEmptyAlleleIsABracket) {
   ASSERT_EQ(found.size(), 1U);
   EXPECT_EQ(found[0].start, 30);
   EXPECT_EQ(found[0].end, 30);
+  // The second left flank ends where the right one begins: the bracket from the first one is
+  // another.
+  const auto nearest = finder.find(kLeft + "C" + kLeft + kRight);
+  ASSERT_EQ(nearest.size(), 1U);
+  EXPECT_EQ(nearest[0].start, 61);
 }
 
 }  // namespace

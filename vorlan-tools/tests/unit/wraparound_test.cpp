@@ -91,6 +91,16 @@ TEST(ConsensusUnit, IsWhatMostCopiesHave) {
   EXPECT_EQ(turned_to_begin("GATTACA", ""), "GATTACA");
 }
 
+TEST(ConsensusUnit, ArraysWithoutAnyOrderHaveOneToo) {
+  std::mt19937 chance(9);
+  for (int round = 0; round < 5000; ++round) {
+    const std::string array = random_bases(chance, 1 + chance() % 60);
+    const std::string unit = consensus_unit(array, random_bases(chance, 1 + chance() % 9));
+    ASSERT_FALSE(unit.empty());
+    ASSERT_EQ(unit.find_first_not_of("ACGT"), std::string::npos);
+  }
+}
+
 TEST(HigherOrder, TheSmallestLagThatIsAsGoodAsTheBest) {
   const std::vector<std::string> kinds = {"ACGTACGTAC", "ATGTACCTAC", "ACGAACGTTC"};
   std::vector<std::string> copies;
