@@ -130,6 +130,10 @@ class Requests(CalibrateTest):
                        if score >= max(advice["min_score"],
                                        advice["min_score_a"] + advice["min_score_b"] * entry["unit_length"]))
             self.assertEqual(kept, advice["kept"])
+            chance = sum(seen for entry in said["by_unit_length"] for score, _, seen, *_ in entry["scores"]
+                         if score >= max(advice["min_score"],
+                                         advice["min_score_a"] + advice["min_score_b"] * entry["unit_length"]))
+            self.assertAlmostEqual(advice["expected_false"], chance / 5)
             self.assertGreater(kept, 50)
             self.assertLessEqual(advice["expected_false"], advice["level"] * kept)
             for entry in said["by_unit_length"]:
