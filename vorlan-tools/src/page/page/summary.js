@@ -47,7 +47,7 @@ function keySection(genome) {
 }
 
 function tableSection(genome, {id, title, note, columns, rows, filter}) {
-  return make("section", {id}, ...heading(title, note), sortableTable(columns, rows, {caption: title, filter}),
+  return make("section", {id}, ...heading(title, note), sortableTable(columns, rows, {label: title, filter}),
     make("div", {class: "tools"}, saveButton("CSV", () => save(fileName(genome, id, "csv"), "text/csv", csvOf(columns, rows)))));
 }
 
