@@ -77,7 +77,7 @@ class KnownTruth(CalibrateTest):
         self.assert_close(0.2)
 
     def test_four_fifths_at(self) -> None:
-        self.assert_close(0.8, "-k", "2", "--mask-length", "20")
+        self.assert_close(0.8)
 
     def test_copies_that_lose_the_composition_would_be_noticed(self) -> None:
         """The same comparison fails for a genome of 80 % AT against copies of another composition."""
