@@ -74,7 +74,7 @@ function mapDrawing(genome, width, colours) {
   const sequences = windowsOf(genome);
   const borders = quantileBorders(sequences.flatMap(({windows}) => windows.map(({percent}) => percent)), colours.density.length);
   const longest = Math.max(1, ...sequences.map(({length}) => length));
-  const names = sequences.map(({name}) => (name.length > nameLength ? `${name.slice(0, nameLength - 1)}\u2026` : name));
+  const names = sequences.map(({name}) => shortened(name, nameLength));
   const labelWidth = 16 + 7.2 * Math.max(2, ...names.map((name) => name.length));
   const scale = (width - labelWidth - 90) / longest;
   const others = genome.other_sequences;
