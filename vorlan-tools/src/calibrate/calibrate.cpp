@@ -29,7 +29,9 @@ namespace {
 
 using SpansOfRecords = std::vector<std::vector<Span>>;
 
-std::string copy_name(std::int64_t copy) { return "copy" + std::to_string(copy); }
+std::string copy_name(std::int64_t copy) {
+  return std::string("copy").append(std::to_string(copy));
+}
 
 class CalibrationRun {
  public:
@@ -59,7 +61,9 @@ class CalibrationRun {
 
   /// Numbers for names: those of the input may be any bytes, and equal.
   static void write_record(OutputFile& output, std::uint64_t number, const std::string& residues) {
-    output.write(">" + std::to_string(number) + "\n");
+    output.write(">");
+    output.write(std::to_string(number));
+    output.write("\n");
     output.write(residues);
     output.write("\n");
   }

@@ -94,7 +94,11 @@ class Collector {
     sequence.tally.add(repeat);
     stats_.tally.add(repeat);
     stats_.by_unit_length[repeat.unit_length].add(repeat);
-    count_unit_length(sequence, repeat);
+    const Count one{1, repeat.bases};
+    count(sequence.by_unit_length, repeat.unit_length, one);
+    count(sequence.by_copies, static_cast<std::int64_t>(copy_class(repeat.copies)), one);
+    count(sequence.by_divergence, static_cast<std::int64_t>(divergence_class(repeat.perfection)),
+          one);
     stats_.units.add(repeat, unit_of(repeat));
     stats_.windows.add(repeat);
     stats_.longest.offer(repeat, sequence.name);
@@ -114,16 +118,14 @@ class Collector {
     covered_end_ = repeat.end;
   }
 
-  static void count_unit_length(SequenceStats& sequence, const Repeat& repeat) {
-    auto& list = sequence.by_unit_length;
+  static void count(ClassCounts& list, std::int64_t key, const Count& one) {
     const auto place = std::lower_bound(
-        list.begin(), list.end(), repeat.unit_length,
-        [](const auto& entry, std::int64_t length) { return entry.first < length; });
-    const Count one{1, repeat.bases};
-    if (place != list.end() && place->first == repeat.unit_length) {
+        list.begin(), list.end(), key,
+        [](const auto& entry, std::int64_t wanted) { return entry.first < wanted; });
+    if (place != list.end() && place->first == key) {
       place->second.add(one);
     } else {
-      list.insert(place, {repeat.unit_length, one});
+      list.insert(place, {key, one});
     }
   }
 

@@ -16,6 +16,9 @@
 
 namespace vorlan_tools {
 
+/// Counts of those classes that hold something, in ascending order.
+using ClassCounts = std::vector<std::pair<std::int64_t, Count>>;
+
 /// The repeats of one sequence.
 struct SequenceStats {
   std::string name;                    ///< UTF-8
@@ -23,7 +26,9 @@ struct SequenceStats {
   std::optional<std::int64_t> ns;      ///< absent without the FASTA file
   std::int64_t covered = 0;            ///< bases in one or more repeats
   Tally tally;
-  std::vector<std::pair<std::int64_t, Count>> by_unit_length;  ///< in ascending order
+  ClassCounts by_unit_length;
+  ClassCounts by_copies;      ///< see copy_class()
+  ClassCounts by_divergence;  ///< see divergence_class()
 };
 
 /// Tallies of units in their normal form over both strands. Full at half a million units or 32 MB

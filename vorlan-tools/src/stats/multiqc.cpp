@@ -77,19 +77,22 @@ Json divergence(const std::vector<GenomeStats>& genomes) {
   Json json;
   json["id"] = "vorlan_divergence";
   json["section_name"] = "Divergence of tandem repeats";
-  json["description"] = "Bases in repeats, by 100 % less their perfection, rounded up.";
+  json["description"] =
+      "Share of the bases in repeats, by 100 % less their perfection, rounded up. Repeats without "
+      "divergence, most of them in most genomes, are left out.";
   json["plot_type"] = "linegraph";
   json["pconfig"] = {{"id", "vorlan_divergence_plot"},
                      {"title", "Vorlan: divergence of repeats"},
                      {"xlab", "Divergence in %"},
-                     {"ylab", "Bases"}};
+                     {"ylab", "% of bases in repeats"}};
   Json data = Json::object();
   for (const GenomeStats& genome : genomes) {
     UnitLengthStats all;
     for (const auto& [length, stats] : genome.by_unit_length) all.add(stats);
     Json& sample = data[sample_name(genome.name)] = Json::object();
-    for (std::size_t i = 0; i < kDivergenceClasses; ++i) {
-      sample[std::to_string(i)] = all.by_divergence[i].bases;
+    for (std::size_t i = 1; i < kDivergenceClasses; ++i) {
+      const auto share = percent(all.by_divergence[i].bases, genome.tally.bases);
+      sample[std::to_string(i)] = share.value_or(0);
     }
   }
   json["data"] = std::move(data);

@@ -103,6 +103,15 @@ std::vector<WindowedSequence> windows_of(const Json& json, std::size_t sequences
   return list;
 }
 
+ClassCounts class_counts_of(const Json& json) {
+  ClassCounts counts;
+  for (const Json& entry : json) {
+    const Count count{entry.at(1).get<std::int64_t>(), entry.at(2).get<std::int64_t>()};
+    counts.emplace_back(entry.at(0).get<std::int64_t>(), count);
+  }
+  return counts;
+}
+
 SequenceStats sequence_of(const Json& json) {
   SequenceStats sequence;
   sequence.name = json.at("name").get<std::string>();
@@ -110,10 +119,9 @@ SequenceStats sequence_of(const Json& json) {
   sequence.ns = number_of(json, "ns");
   sequence.covered = count_of(json, "covered");
   sequence.tally = tally_of(json);
-  for (const Json& entry : json.at("by_unit_length")) {
-    const Count count{entry.at(1).get<std::int64_t>(), entry.at(2).get<std::int64_t>()};
-    sequence.by_unit_length.emplace_back(entry.at(0).get<std::int64_t>(), count);
-  }
+  sequence.by_unit_length = class_counts_of(json.at("by_unit_length"));
+  sequence.by_copies = class_counts_of(json.at("by_copies"));
+  sequence.by_divergence = class_counts_of(json.at("by_divergence"));
   return sequence;
 }
 

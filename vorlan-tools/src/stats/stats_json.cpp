@@ -141,6 +141,12 @@ Json windows_json(const Windows& windows, Detail detail) {
   return json;
 }
 
+Json class_counts_json(const ClassCounts& counts) {
+  Json list = Json::array();
+  for (const auto& [key, count] : counts) list.push_back({key, count.repeats, count.bases});
+  return list;
+}
+
 Json sequence_json(const SequenceStats& sequence, std::size_t index, bool knows_edits,
                    Detail detail) {
   Json json;
@@ -148,11 +154,9 @@ Json sequence_json(const SequenceStats& sequence, std::size_t index, bool knows_
   json["name"] = shown_name(sequence.name, detail);
   put_density(json, sequence.tally, sequence.covered, sequence.length, sequence.ns);
   put_tally(json, sequence.tally, knows_edits);
-  Json list = Json::array();
-  for (const auto& [length, count] : sequence.by_unit_length) {
-    list.push_back({length, count.repeats, count.bases});
-  }
-  json["by_unit_length"] = std::move(list);
+  json["by_unit_length"] = class_counts_json(sequence.by_unit_length);
+  json["by_copies"] = class_counts_json(sequence.by_copies);
+  json["by_divergence"] = class_counts_json(sequence.by_divergence);
   return json;
 }
 

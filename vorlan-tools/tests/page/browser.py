@@ -5,7 +5,9 @@
 from __future__ import annotations
 
 import json
+import tempfile
 import time
+from collections.abc import Callable
 from pathlib import Path
 
 from selenium import webdriver
@@ -29,14 +31,21 @@ def start_browser(downloads: Path) -> webdriver.Chrome:
 
 
 class BrowserTest(ProgramTest):
-    """A page of a genome in a browser of its own."""
+    """A page of a genome in a browser, which the tests of a class share."""
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        super().setUpClass()
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.downloads = Path(folder.name)
+        cls.browser = start_browser(cls.downloads)
+        cls.addClassCleanup(cls.browser.quit)
 
     def setUp(self) -> None:
         super().setUp()
-        self.downloads = self.folder / "downloads"
-        self.downloads.mkdir()
-        self.browser = start_browser(self.downloads)
-        self.addCleanup(self.browser.quit)
+        for path in self.downloads.iterdir():
+            path.unlink()
 
     def look(self, width: int = 1600, height: int = 1000, scheme: str = "light") -> None:
         self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
@@ -49,7 +58,22 @@ class BrowserTest(ProgramTest):
         outcome = self.tools("page", *words, "-o", "page.html")
         self.assertEqual((outcome.returncode, outcome.stderr), (0, b""))
         self.look(**looks)
+        for kind in ("browser", "performance"):
+            self.browser.get_log(kind)
         self.browser.get((self.folder / "page.html").as_uri())
+        self.wait_for_frames()
+
+    def wait_for_frames(self) -> None:
+        """Until the browser has drawn what was asked for, and handled what happened before that."""
+        self.browser.execute_async_script(
+            "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(done))")
+
+    def assert_eventually(self, value: Callable[[], object], expected: object) -> None:
+        """Charts answer to the pointer with the next frame, which may take a while on a busy machine."""
+        end = time.monotonic() + 10
+        while value() != expected and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertEqual(value(), expected)
 
     def run_script(self, script: str, *arguments):
         return self.browser.execute_script(script, *arguments)

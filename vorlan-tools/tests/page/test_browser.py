@@ -10,6 +10,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 from page.browser import BrowserTest
+from parts.programs import VORLAN
 from stats.test_stats import genome_text
 
 
@@ -69,27 +70,29 @@ class Charts(PageTest):
     def test_pointing_at_a_bar_shows_its_value(self) -> None:
         self.open_report()
         self.run_script("document.querySelector('#repeats-by-unit-length').scrollIntoView()")
+        self.wait_for_frames()
         x, y = self.chart("repeats-by-unit-length", """
             const box = chart.canvas.getBoundingClientRect(); const bar = chart.getDatasetMeta(0).data[2];
             return [box.x + bar.x, box.y + (bar.y + bar.base) / 2]""")
         self.move_to(x, y)
+        self.assert_eventually(lambda: self.chart("repeats-by-unit-length", "return chart.tooltip.opacity"), 1)
         shown = self.chart("repeats-by-unit-length", "return [chart.tooltip.opacity, chart.tooltip.title, "
                            "chart.tooltip.body.map(part => part.lines[0])]")
         entry = self.genome["by_unit_length"][2]
-        self.assertEqual(shown[0], 1)
         self.assertEqual(shown[1], [f"Unit length: {entry['unit_length']}"])
         self.assertIn(f"Perfect: {entry['perfect']:,}", shown[2])
 
     def test_a_click_on_the_legend_switches_a_series(self) -> None:
         self.open_report()
         self.run_script("document.querySelector('#repeats-by-unit-length').scrollIntoView()")
+        self.wait_for_frames()
         visible = "return [0, 1].map(i => chart.isDatasetVisible(i))"
         x, y = self.chart("repeats-by-unit-length", """
             const box = chart.canvas.getBoundingClientRect(); const item = chart.legend.legendHitBoxes[1];
             return [box.x + item.left + 5, box.y + item.top + 5]""")
         for expected in ([True, False], [True, True]):
             self.click_at(x, y)
-            self.assertEqual(self.chart("repeats-by-unit-length", visible), expected)
+            self.assert_eventually(lambda: self.chart("repeats-by-unit-length", visible), expected)
 
     def test_saving(self) -> None:
         self.open_report()
@@ -119,6 +122,26 @@ class Charts(PageTest):
         self.press("bases-by-unit-length", "Numbers")
         self.assertEqual(self.texts("#bases-by-unit-length tbody td:nth-child(2)"),
                          [f"{bases:,}" for bases in self.sums("bases_in_repeats")])
+
+
+class Calibration(PageTest):
+    def test_shares_thresholds_and_advice(self) -> None:
+        self.assertEqual(self.tools("calibrate", "--vorlan", VORLAN, "-g", "in.fa", "--copies", "3", "--json", "a.cal").returncode, 0)
+        self.open_page("report", "--calibration", "a.cal")
+        said = json.loads(self.read("a.cal"))
+        shown = dict(self.chart("calibration", "return chart.data.datasets.map(set => [set.label, set.data])"))
+        scores = [int(label) for label in self.chart("calibration", "return chart.data.labels")]
+        entry = said["by_unit_length"][0]
+        for score, value in zip(scores, shown["Unit 1"], strict=True):
+            found = sum(row[1] for row in entry["scores"] if row[0] >= score)
+            chance = sum(row[2] for row in entry["scores"] if row[0] >= score) / 3
+            self.assertAlmostEqual(value or 0, min(100, 100 * chance / found) if found else 0)
+        self.assertEqual(self.texts("#calibration code"), [advice["options"] for advice in said["advice"]])
+        thresholds = [[str(found["score"]) + ("" if found["is_sure"] else " ?") for found in entry["thresholds"]]
+                      for entry in said["by_unit_length"]]
+        self.assertEqual(self.texts("#calibration tbody td:nth-child(5)"), [first for first, _ in thresholds])
+        self.assertEqual(self.texts("#calibration tbody td:nth-child(6)"), [second for _, second in thresholds])
+        self.assert_quiet()
 
 
 class Tables(PageTest):
@@ -167,6 +190,7 @@ class Map(PageTest):
     def test_windows_tell_and_open(self) -> None:
         self.open_report()
         self.run_script("document.querySelector('#sequences-map').scrollIntoView()")
+        self.wait_for_frames()
         entry = self.genome["windows"]["sequences"][1]
         before = len(self.genome["windows"]["sequences"][0]["repeats"])
         place = max(range(len(entry["repeats"])), key=lambda i: entry["repeats"][i])
@@ -176,9 +200,11 @@ class Map(PageTest):
         size = self.genome["windows"]["size"]
         end = min((place + 1) * size, entry["length"])
         count = entry["repeats"][place]
+        self.assert_eventually(lambda: bool(self.texts("#tip")[0]), True)
         text = self.texts("#tip")[0]
         self.assertTrue(text.startswith(f"s1: {place * size + 1:,}-{end:,}, {count} repeat"), text)
         self.click_at(x, y)
+        self.assert_eventually(lambda: len(self.find_all("#sequences-map .repeats")), 1)
         shown = self.texts("#sequences-map .repeats summary")
         self.assertEqual([re.search(r"s1:([\d,]+)-", line)[1] for line in shown],
                          [f"{repeat['start']:,}" for repeat in entry["longest"][place]])

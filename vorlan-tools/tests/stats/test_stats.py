@@ -59,8 +59,8 @@ class StatsTest(ProgramTest):
 
 
 class AgainstPlainCounts(StatsTest):
-    def assert_genome(self, said: dict, table: str, classes: list[int], knows_edits: bool = True) -> int:
-        counts = count(rows_of(table), classes, knows_edits)
+    def assert_genome(self, said: dict, table: str, copy_classes: list[int], knows_edits: bool = True) -> int:
+        counts = count(rows_of(table), copy_classes, knows_edits)
         self.assert_tally(said, counts.whole, knows_edits)
         covered = sum(map(len, counts.covered.values()))
         self.assertEqual(said["covered"], covered)
@@ -83,8 +83,15 @@ class AgainstPlainCounts(StatsTest):
         for entry in said["by_sequence"]:
             self.assert_tally(entry, counts.by_sequence[entry["name"]], knows_edits)
             self.assertEqual(entry["covered"], len(counts.covered[entry["name"]]))
-            self.assertEqual(sum(repeats for _, repeats, _ in entry["by_unit_length"]), entry["repeats"])
-            self.assertEqual(sum(bases for _, _, bases in entry["by_unit_length"]), entry["bases_in_repeats"])
+            rows = [row for row in rows_of(table) if row.sequence == entry["name"]]
+            classes = {"by_unit_length": lambda row: row.unit_length,
+                       "by_copies": lambda row: max(i for i, edge in enumerate(copy_classes) if edge <= row.copies),
+                       "by_divergence": lambda row: next(i for i in range(52) if i == 51 or 100 - row.perfection <= i)}
+            for key, class_of in classes.items():
+                expected = [[found, sum(class_of(row) == found for row in rows),
+                             sum(row.bases for row in rows if class_of(row) == found)]
+                            for found in sorted(set(map(class_of, rows)))]
+                self.assertEqual(entry[key], expected)
         self.assert_windows(said, counts.covered, rows_of(table))
         return counts.whole.repeats
 

@@ -39,15 +39,17 @@ TEST(Calibration, SumsFromAScoreUpwards) {
 }
 
 TEST(Calibration, AThresholdHoldsWithOneMoreOfChance) {
-  // From 9 on (2 + 1) / 2 = 1.5 of 50 are 3 %: below 5 %, not below 1 %. From 10 on 0.5 of 40 are
+  // From 9 on (3 + 1) / 2 = 2 of 50 are 4 %: below 5 %, not below 1 %. From 10 on 0.5 of 40 are
   // 1.25 %, from 11 on 0.5 of 30 more: nothing is sure at 1 %, and 10 is above all of chance.
-  const ScoreCounts counts = {{1, {{8, {40, 32}}, {9, {10, 2}}, {10, {10, 0}}, {11, {30, 0}}}}};
+  const ScoreCounts counts = {{1, {{8, {40, 32}}, {9, {10, 3}}, {10, {10, 0}}, {11, {30, 0}}}}};
   const Calibration calibration = evaluated(counts, 2);
   const UnitLengthShares& shares = calibration.by_unit_length.at(1);
   EXPECT_EQ(shares.thresholds[0].score, 9);
   EXPECT_TRUE(shares.thresholds[0].is_sure);
   EXPECT_EQ(shares.thresholds[1].score, 10);
   EXPECT_FALSE(shares.thresholds[1].is_sure);
+  EXPECT_DOUBLE_EQ(calibration.lines[0].expected_false, 1.5);
+  EXPECT_EQ(calibration.lines[0].kept, 50);
 }
 
 TEST(Calibration, ALineIsNowhereBelowTheThresholds) {

@@ -39,9 +39,8 @@ function alignmentElement(repeat) {
 
 function repeatText(repeat, sequence) {
   const score = repeat.score === null ? "" : `, score ${shown(repeat.score)}`;
-  const unit = repeat.unit.length > 60 ? `${repeat.unit.slice(0, 60)}...` : repeat.unit;
   return `${sequence}:${shown(repeat.start)}-${shown(repeat.end)}, ${plural(repeat.bases, "base")}, `
-    + `(${unit || `${repeat.unit_length} bases`})${shown(repeat.copies)}, ${percentText(repeat.perfection)} perfect${score}`;
+    + `(${shortened(repeat.unit, 30) || plural(repeat.unit_length, "base")})${shown(repeat.copies)}, ${percentText(repeat.perfection)} perfect${score}`;
 }
 
 function repeatList(repeats, sequence = null) {

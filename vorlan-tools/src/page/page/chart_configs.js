@@ -17,7 +17,7 @@ function chartConfig(colours, {type = "bar", labels, datasets, x, y, stacked = f
   const leading = (value) => Math.round(value / 10 ** Math.floor(Math.log10(value)));
   const largest = Math.max(1, ...datasets.flatMap((set) => set.data.map((value) => value ?? 0)));
   const labelled = largest < 200 ? [1, 2, 5] : [1];
-  const ticks = {callback: (value) => (logarithmic && !labelled.includes(leading(value)) ? "" : short(value))};
+  const ticks = {...(y === "Repeats" || y === "Bases" ? {precision: 0} : {}), callback: (value) => (logarithmic && !labelled.includes(leading(value)) ? "" : short(value))};
   return {
     type,
     data: {labels, datasets},

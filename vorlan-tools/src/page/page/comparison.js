@@ -30,7 +30,7 @@ function comparisonChart(all, genomes, {id, title, note, label, classes, nameOf,
     rows,
   }, (colours) => chartConfig(colours, {
     labels: classes.map(nameOf), x: label, y: "Bases in repeats per Mb",
-    datasets: genomes.map((genome, i) => barsOf(genome.name.slice(0, 30),
+    datasets: genomes.map((genome, i) => barsOf(shortened(genome.name, 30),
       classes.map((found) => perMillion(countOf(genome, found), genome)), colours.series[i % colours.series.length])),
   }));
 }
@@ -52,7 +52,7 @@ function comparisonSections(genomes) {
       countOf: (genome, group) => sumOf(entriesOf(genome.by_unit_length, group), "bases_in_repeats")}),
     comparisonChart(all, genomes, {id: "comparison-units", title: "Bases per Mb by unit", label: "Unit",
       note: "The twelve units with most repeats in all genomes together; 0 where a unit is not among the listed ones of a genome.",
-      classes: units, nameOf: (unit) => unit.unit.slice(0, 20), countOf: unitOf})];
+      classes: units, nameOf: (unit) => shortened(unit.unit, 20), countOf: unitOf})];
 }
 
 /// All but what differs between parts of one job, and how the report looks.

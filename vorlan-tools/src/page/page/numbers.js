@@ -33,6 +33,11 @@ function plural(count, word) {
   return `${shown(count)} ${word}${count === 1 ? "" : "s"}`;
 }
 
+/// Long texts end in an ellipsis.
+function shortened(text, length) {
+  return text.length > length ? `${text.slice(0, length - 1)}\u2026` : text;
+}
+
 function reverseComplement(unit) {
   const partner = {A: "T", C: "G", G: "C", T: "A"};
   return [...unit].reverse().map((base) => partner[base] ?? base).join("");

@@ -4,8 +4,10 @@
 // All sequences to scale, in windows coloured by their share of bases in repeats. Classes hold equally
 // many windows each, since a single rich sequence would make all others look alike otherwise.
 
-const rowHeight = 13;
-const rowStep = 19;
+// Few sequences are drawn higher.
+const rowHeights = {few: 28, many: 13};
+const fewSequences = 4;
+const rowGap = 6;
 const nameLength = 20;
 
 function windowsOf(genome) {
@@ -46,6 +48,15 @@ function windowText(window) {
     + `${shown(window.percent)} % in repeats`;
 }
 
+function rowHeightOf(genome) {
+  return genome.windows.sequences.length <= fewSequences ? rowHeights.few : rowHeights.many;
+}
+
+function mapHeight(genome) {
+  const rows = genome.windows.sequences.length + (genome.other_sequences.sequences > 0 ? 1 : 0);
+  return rows * (rowHeightOf(genome) + rowGap) + 34;
+}
+
 function mapLegend(colours, borders, left, y) {
   const group = makeSvg("g", {"font-size": 12, fill: colours.soft});
   const steps = [[0, "none"], ...borders.map((border, i) => [border, `${i ? `${shown(borders[i - 1])}-` : "up to "}${shown(border)} %`])];
@@ -63,19 +74,22 @@ function mapDrawing(genome, width, colours) {
   const sequences = windowsOf(genome);
   const borders = quantileBorders(sequences.flatMap(({windows}) => windows.map(({percent}) => percent)), colours.density.length);
   const longest = Math.max(1, ...sequences.map(({length}) => length));
-  const names = sequences.map(({name}) => (name.length > nameLength ? `${name.slice(0, nameLength - 1)}\u2026` : name));
+  const names = sequences.map(({name}) => shortened(name, nameLength));
   const labelWidth = 16 + 7.2 * Math.max(2, ...names.map((name) => name.length));
   const scale = (width - labelWidth - 90) / longest;
   const others = genome.other_sequences;
   const rows = sequences.length + (others.sequences > 0 ? 1 : 0);
-  const height = rows * rowStep + 34;
+  const height = mapHeight(genome);
+  const rowHeight = rowHeightOf(genome);
+  const rowStep = rowHeight + rowGap;
+  const baseline = rowHeight / 2 + 4;
   const svg = makeSvg("svg", {
     xmlns: "http://www.w3.org/2000/svg", viewBox: `0 0 ${width} ${height}`, width, height, "font-family": "sans-serif",
   });
   const tiles = [];
   sequences.forEach((sequence, row) => {
     const y = row * rowStep;
-    svg.append(makeSvg("text", {x: labelWidth - 8, y: y + 10.5, "text-anchor": "end", "font-size": 12, fill: colours.text},
+    svg.append(makeSvg("text", {x: labelWidth - 8, y: y + baseline, "text-anchor": "end", "font-size": 12, fill: colours.text},
       names[row]));
     for (const window of sequence.windows) {
       const tile = makeSvg("rect", {
@@ -86,12 +100,12 @@ function mapDrawing(genome, width, colours) {
       svg.append(tile);
     }
     svg.append(makeSvg("rect", {x: labelWidth, y, width: Math.max(sequence.length * scale, 1), height: rowHeight, fill: "none",
-      stroke: colours.line}), makeSvg("text", {x: labelWidth + sequence.length * scale + 6, y: y + 10.5, "font-size": 11,
+      stroke: colours.line}), makeSvg("text", {x: labelWidth + sequence.length * scale + 6, y: y + baseline, "font-size": 11,
       fill: colours.soft}, sizeOf(sequence.length)));
   });
   if (others.sequences > 0) {
     const y = sequences.length * rowStep;
-    svg.append(makeSvg("text", {x: labelWidth, y: y + 10.5, "font-size": 12, fill: colours.soft}, othersText(others)));
+    svg.append(makeSvg("text", {x: labelWidth, y: y + baseline, "font-size": 12, fill: colours.soft}, othersText(others)));
   }
   svg.append(mapLegend(colours, borders, labelWidth, rows * rowStep + 14));
   return {svg, tiles};
@@ -175,8 +189,4 @@ function mapFigure(genome) {
     columns: mapColumns(), rows: windowsOf(genome).flatMap(({windows}) => windows),
   }, make("div", {}, holder, place), {svg: saved, png: () => svgAsPng(saved(), 1200, mapHeight(genome))});
   return {section, draw};
-}
-
-function mapHeight(genome) {
-  return (genome.windows.sequences.length + (genome.other_sequences.sequences > 0 ? 1 : 0)) * rowStep + 34;
 }

@@ -22,8 +22,8 @@ function sentences(genome) {
   const lines = [`Most bases in repeats are in those of unit length ${most.unit_length}: `
     + `${shown(share(most.bases_in_repeats, genome.bases_in_repeats))} %, in ${plural(most.repeats, "repeat")}.`];
   const unit = genome.units[0];
-  if (unit) {
-    lines.push(`The commonest unit is ${unit.unit.slice(0, 60)} (${reverseComplement(unit.unit).slice(0, 60)} on the other strand), in `
+  if (unit && unit.repeats > 1) {
+    lines.push(`The commonest unit is ${shortened(unit.unit, 40)} (${shortened(reverseComplement(unit.unit), 40)} on the other strand), in `
       + `${shown(share(unit.repeats, genome.repeats))} % of the repeats, with ${shown(unit.copies / unit.repeats)} copies on average.`);
   }
   const longest = genome.longest_repeats[0];
@@ -47,7 +47,7 @@ function keySection(genome) {
 }
 
 function tableSection(genome, {id, title, note, columns, rows, filter}) {
-  return make("section", {id}, ...heading(title, note), sortableTable(columns, rows, {caption: title, filter}),
+  return make("section", {id}, ...heading(title, note), sortableTable(columns, rows, {label: title, filter}),
     make("div", {class: "tools"}, saveButton("CSV", () => save(fileName(genome, id, "csv"), "text/csv", csvOf(columns, rows)))));
 }
 

@@ -32,7 +32,7 @@ function rowElement(columns, row) {
 }
 
 /// A table element; `filter` names the column that its box looks at.
-function sortableTable(columns, rows, {caption = "", filter = null} = {}) {
+function sortableTable(columns, rows, {caption = "", label = caption, filter = null} = {}) {
   const body = make("tbody");
   const count = make("caption", {}, caption);
   const heads = columns.map((column, i) => make("th", {scope: "col", class: column.isText ? "text" : ""},
@@ -48,7 +48,7 @@ function sortableTable(columns, rows, {caption = "", filter = null} = {}) {
       list = [...list].sort((a, b) => sign * compareValues(value(a), value(b)));
     }
     body.replaceChildren(...list.map((row) => rowElement(columns, row)));
-    count.textContent = wanted ? `${caption} Shown: ${list.length} of ${rows.length}.` : caption;
+    count.textContent = wanted ? `${caption} ${list.length} of ${rows.length} are shown.` : caption;
   }
 
   function sortBy(i) {
@@ -63,7 +63,7 @@ function sortableTable(columns, rows, {caption = "", filter = null} = {}) {
 
   fill();
   const table = make("table", {}, count, make("thead", {}, make("tr", {}, ...heads)), body);
-  const scroll = make("div", {class: "wide tall", tabindex: "0", role: "region", "aria-label": caption || "Table"}, table);
+  const scroll = make("div", {class: "wide tall", tabindex: "0", role: "region", "aria-label": label}, table);
   if (!filter) return scroll;
   const box = make("input", {type: "search", placeholder: `Filter: ${filter.title}`, "aria-label": `Filter: ${filter.title}`});
   box.addEventListener("input", () => {

@@ -126,7 +126,7 @@ function unitsChart(genome) {
       numberColumn("Perfect", "bases_in_perfect"), numberColumn("Imperfect", (row) => row.bases_in_repeats - row.bases_in_perfect)],
     rows: units,
   }, (colours) => chartConfig(colours, {
-    labels: units.map(({unit}) => (unit.length > 14 ? `${unit.slice(0, 13)}\u2026` : unit)), x: "Unit", y: "Bases", stacked: true,
+    labels: units.map(({unit}) => shortened(unit, 14)), x: "Unit", y: "Bases", stacked: true,
     datasets: [barsOf("Perfect", units.map((unit) => unit.bases_in_perfect), colours.perfect),
       barsOf("Imperfect", others, colours.imperfect)],
   }));
