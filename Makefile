@@ -165,8 +165,8 @@ figures: build
 	@/usr/bin/python3 docs/figures/draw_speed.py bench/results/*.md docs/figures/speed.svg
 
 lint:
-	$(need) build test lint
-	$(call configure,dev,ON)
+	$(need) build test tools lint
+	@cmake --preset dev -DVORLAN_TESTS=ON -DVORLAN_TOOLS=ON >&2
 	@tools/lint.sh build/dev
 
 install: build
