@@ -19,6 +19,7 @@
 #   make test-portable       the same without wider vector instructions
 #   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
 #   make test-tools          run its tests
+#   make test-browser        look at the page of vorlan-tools with chromium, and at its numbers with MultiQC
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make fuzz-tools          the same for the report reader of vorlan-tools
 #   make coverage            which lines and branches of the product the tests reach
@@ -50,7 +51,8 @@ configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
 .PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable test-tools fuzz fuzz-tools coverage mutants bench figures lint lint-tools deb clean help
+  test-portable test-tools test-browser fuzz fuzz-tools coverage mutants bench figures lint lint-tools deb clean \
+  help
 
 build:
 	$(need) build
@@ -127,6 +129,12 @@ test-tools:
 	$(call configure,tools,ON)
 	$(call build,tools)
 	@ctest --preset tools
+
+test-browser:
+	$(need) build tools test-browser
+	$(call configure,tools,ON)
+	@cmake --build --preset tools --target vorlan vorlan-tools >&2
+	@ctest --preset tools-browser
 
 fuzz:
 	$(need) build test clang

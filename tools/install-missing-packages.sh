@@ -39,12 +39,14 @@ parallel parallel
 primer3_core primer3
 python3 python3' ;;
     tools) echo 'pkg-config pkg-config
+/usr/share/javascript/chart.js/chart.min.js libjs-chart.js
 /usr/include/htslib/bgzf.h libhts-dev
 /usr/include/CLI/CLI.hpp libcli11-dev
 /usr/include/nlohmann/json.hpp nlohmann-json3-dev' ;;
     test-tools) echo '/usr/include/gtest/gtest.h libgtest-dev
 python3 python3
 /usr/lib/python3/dist-packages/pysam python3-pysam
+bcftools bcftools
 bedtools bedtools
 samtools samtools
 tabix tabix
@@ -53,6 +55,13 @@ jq jq
 PicardCommandLine picard-tools
 groff groff-base
 zsh zsh' ;;
+    test-browser) echo '/usr/include/gtest/gtest.h libgtest-dev
+python3 python3
+chromium chromium
+chromedriver chromium-driver
+/usr/lib/python3/dist-packages/selenium python3-selenium
+/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf fonts-dejavu-core
+multiqc multiqc' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;

@@ -66,6 +66,8 @@ void add_output_options(CLI::App& command, ConvertOptions& options) {
   command.add_flag("--sort", conversion.sort, "Order by name of sequence, then start, then end");
   command.add_flag("--cut-names", conversion.cut_names,
                    "End the names of sequences at their first tab, as samtools faidx does");
+  command.add_option("--calibration", conversion.calibration,
+                     "Add the share of false repeats, from a file of calibrate --json");
   command.add_option("-@,--threads", conversion.threads, "Threads that compress (default 1)")
       ->check(CLI::Range(1, 256));
 }
