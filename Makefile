@@ -28,6 +28,7 @@
 #                            sections of bench/sections/, QUICK=1 to see only whether everything works
 #   make figures             draw the pictures of docs/figures again
 #   make lint                check format and run clang-tidy
+#   make lint-tools          run clang-tidy over the companion program
 #   make deb                 build a Debian package in build/deb/
 #   make clean
 #   make help                this list
@@ -50,7 +51,8 @@ configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
 .PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable test-tools test-browser fuzz fuzz-tools coverage mutants bench figures lint deb clean help
+  test-portable test-tools test-browser fuzz fuzz-tools coverage mutants bench figures lint lint-tools deb clean \
+  help
 
 build:
 	$(need) build
@@ -175,6 +177,11 @@ lint:
 	$(need) build test lint
 	$(call configure,dev,ON)
 	@tools/lint.sh build/dev
+
+lint-tools:
+	$(need) build tools lint
+	@cmake --preset dev -B build/dev-tools -DVORLAN_TESTS=OFF -DVORLAN_TOOLS=ON >&2
+	@tools/lint.sh build/dev-tools companion
 
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"

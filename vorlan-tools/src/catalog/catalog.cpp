@@ -121,7 +121,8 @@ class CatalogMaker {
     if (locus.length() < std::max(rules_.min_length, period)) return Reason::kShort;
     if (locus.length() > rules_.max_length) return Reason::kLong;
     const auto size = static_cast<std::int64_t>(records_.residues().size());
-    if (locus.start < rules_.flank || size - locus.end < rules_.flank) return Reason::kFlank;
+    const std::int64_t least_start = rules_.flank + rules_.in_front_of_flank;
+    if (locus.start < least_start || size - locus.end < rules_.flank) return Reason::kFlank;
     if (count_ns_in_flanks(locus) > rules_.max_ns_in_flanks) return Reason::kNs;
     return std::nullopt;
   }

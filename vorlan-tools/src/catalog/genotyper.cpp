@@ -8,11 +8,12 @@
 //
 // TRGT 3.0.0 (docs/repeat_files.md, src/trgt/locus.rs, src/utils/region.rs): a region is text split
 // at ':' and '-', so that names hold neither; `genotype` wants 250 bases (--flank-len) on each
-// side. A record is split at blanks, its last column at ';' and '='.
+// side, and one more on the left (start >= flank + 1). A record is split at blanks, its last column
+// at ';' and '='.
 //
 // HipSTR 0.7 (src/region.cpp, bam_processor.cpp): ends at a period above 9, at start < 1, at
 // stop <= start, and at a header line; skips loci above 100 bases (--max-str-len) and within
-// 50 bases of an end.
+// 50 bases of an end, so that 51 are safe.
 //
 // GangSTR 2.5 (src/region_reader.cpp, genotyper.cpp): copies of the reference are length / period,
 // rounded down; its own panel goes up to units of 20; about 150 bases of flank are needed.
@@ -21,7 +22,8 @@
 // 1,000 bases on a side (--region-extension-length) or with more than 5 N there, and at names with
 // ':' or '-'.
 //
-// LongTR 1 (src/region.cpp): skips loci above 1,000 bases and within 50 bases of an end.
+// LongTR 1 (src/region.cpp): skips loci above 1,000 bases and within 50 bases of an end, like
+// HipSTR.
 //
 // ATaRVa (README, baseline.py): a sorted, bgzipped BED with a tabix index.
 //
@@ -31,13 +33,14 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr GenotyperRules kTrgt = {.title = "TRGT", .flank = 250, .not_in_names = "\t\r\v\f:-;=,"};
+constexpr GenotyperRules kTrgt = {
+    .title = "TRGT", .flank = 250, .in_front_of_flank = 1, .not_in_names = "\t\r\v\f:-;=,"};
 constexpr GenotyperRules kHipStr = {.title = "HipSTR",
                                     .counts_from_one = true,
                                     .max_period = 9,
                                     .min_length = 2,
                                     .max_length = 100,
-                                    .flank = 50};
+                                    .flank = 51};
 constexpr GenotyperRules kGangStr = {.title = "GangSTR",
                                      .counts_from_one = true,
                                      .max_period = 20,
@@ -49,7 +52,7 @@ constexpr GenotyperRules kExpansionHunter = {.title = "ExpansionHunter",
                                              .not_in_names = "\t\r\v\f:-",
                                              .not_ahead_of_names = ""};
 constexpr GenotyperRules kLongTr = {
-    .title = "LongTR", .counts_from_one = true, .max_length = 1000, .flank = 50};
+    .title = "LongTR", .counts_from_one = true, .max_length = 1000, .flank = 51};
 constexpr GenotyperRules kAtarva = {.title = "ATaRVa"};
 constexpr GenotyperRules kStraglr = {.title = "Straglr", .min_period = 2};
 

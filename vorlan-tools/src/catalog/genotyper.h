@@ -24,6 +24,7 @@ struct GenotyperRules {
   std::int64_t min_length = 1;  ///< in bases of the reference
   std::int64_t max_length = kNoBound;
   std::int64_t flank = 0;                      ///< bases that must follow on both sides
+  std::int64_t in_front_of_flank = 0;          ///< bases that must lie in front of the left flank
   std::int64_t max_ns_in_flanks = kNoBound;    ///< of both flanks together
   bool needs_whole_units = false;              ///< the length must be a multiple of the period
   std::string_view not_in_names = "\t\r\v\f";  ///< bytes that a name of a sequence must not hold

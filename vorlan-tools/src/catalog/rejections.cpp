@@ -30,16 +30,17 @@ std::array<std::string, kReasonCount> reason_texts(const CatalogRequest& request
                                                    const GenotyperRules& rules) {
   const std::string least =
       rules.min_length > 1 ? std::to_string(rules.min_length) + " bases" : "a unit";
-  return {"left out by a filter",
-          "in a sequence whose name " + std::string(rules.title) + " cannot read",
-          "without a known motif",
-          period_text(rules),
-          "shorter than " + least,
-          "longer than " + std::to_string(rules.max_length) + " bases",
-          "less than " + std::to_string(rules.flank) + " bases from an end of the sequence",
-          "with more than " + std::to_string(rules.max_ns_in_flanks) + " N in the flanks",
-          overlap_text(request),
-          "the same locus as another"};
+  return {
+      "left out by a filter",
+      "in a sequence whose name " + std::string(rules.title) + " cannot read",
+      "without a known motif",
+      period_text(rules),
+      "shorter than " + least,
+      "longer than " + std::to_string(rules.max_length) + " bases",
+      "too near to an end of the sequence for a flank of " + std::to_string(rules.flank) + " bases",
+      "with more than " + std::to_string(rules.max_ns_in_flanks) + " N in the flanks",
+      overlap_text(request),
+      "the same locus as another"};
 }
 
 }  // namespace

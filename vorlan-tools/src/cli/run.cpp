@@ -27,7 +27,7 @@ namespace vorlan_tools {
 namespace {
 
 /// A slice of this size is searched in about a second; a process starts in a few milliseconds.
-constexpr std::uint64_t kSliceSize = 1024 * 1024;
+constexpr std::uint64_t kSliceSize = std::uint64_t{1024} * 1024;
 
 struct RunChoices {
   RunOptions options;

@@ -280,9 +280,10 @@ void convert_to_alignments(const Conversion& conversion) {
     require_order(report, last_start);
     last_start = report.repeat().start;
     const std::int32_t index = sequences.index_of_number.at(report.sequence().number - 1);
-    if (index < 0)
+    if (index < 0) {
       throw LineError(report.name(), report.repeat().line,
                       "a sequence without bases has a repeat.");
+    }
     if (conversion.filter.keeps(report.repeat())) writer.write(report.repeat(), index, number);
   }
   file.finish();

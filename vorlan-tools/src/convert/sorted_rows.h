@@ -31,7 +31,7 @@ class SortedRows {
   /// Writes all rows in order. To be called once.
   void write_to(OutputFile& output);
 
-  static constexpr std::size_t kDefaultMemory = 64 * 1024 * 1024;
+  static constexpr std::size_t kDefaultMemory = std::size_t{64} * 1024 * 1024;
 
  private:
   /// Where a row lies in text_: its name, then the row itself.

@@ -16,7 +16,7 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 constexpr char kSkipped = 0;
 constexpr char kMalformed = 1;
 

@@ -15,7 +15,7 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 constexpr int kBlocksInWork = 64;
 
 /// Level 1 takes a quarter of the time of the usual 6, and about a third more room.

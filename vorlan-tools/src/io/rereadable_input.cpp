@@ -18,7 +18,7 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 256 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
 
 [[noreturn]] void fail(const std::string& what) {
   throw DataError("Cannot " + what + ": " + std::strerror(errno) + ".");

@@ -19,7 +19,7 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 256 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
 
 struct CloseInput {
   void operator()(BGZF* file) const { bgzf_close(file); }

@@ -53,17 +53,17 @@ bool lead_to_one_file(const std::string& one, const std::string& other) {
   return resolved(one) == resolved(other) || is_same_file(one, other);
 }
 
+void refuse_shared_output(const std::string& one, const std::string& other) {
+  if (!lead_to_one_file(one, other)) return;
+  throw UsageError("Two outputs would be the same file: " + one + " and " + other + ".");
+}
+
 void refuse_shared_outputs(const std::vector<RunFiles>& runs) {
   std::vector<std::string> outputs;
   for (const RunFiles& run : runs) {
     for (const std::string& output : {run.report, run.masked}) {
       if (output.empty()) continue;
-      for (const std::string& earlier : outputs) {
-        if (lead_to_one_file(earlier, output)) {
-          throw UsageError("Two outputs would be the same file: " + earlier + " and " + output +
-                           ".");
-        }
-      }
+      for (const std::string& earlier : outputs) refuse_shared_output(earlier, output);
       outputs.push_back(output);
     }
   }

@@ -19,7 +19,7 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 1024 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{1024} * 1024;
 
 /// What bgzf_compression says of a file in the blocks of bgzip.
 constexpr int kIsBgzip = 2;

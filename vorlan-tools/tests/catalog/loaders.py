@@ -41,9 +41,10 @@ def require(holds: bool, what: str) -> None:
         raise Refused(what)
 
 
-def inside(genome: Genome, locus: Locus, flank: int) -> None:
+def inside(genome: Genome, locus: Locus, flank: int, least_start: int = 0) -> None:
     require(locus.sequence in genome, f"unknown sequence {locus.sequence}")
-    require(flank <= locus.start < locus.end <= len(genome[locus.sequence]) - flank, f"{locus}: flank")
+    require(max(flank, least_start) <= locus.start < locus.end <= len(genome[locus.sequence]) - flank,
+            f"{locus}: flank")
 
 
 def rows(text: str, least: int, most: int) -> list[list[str]]:
@@ -67,7 +68,7 @@ def trgt(text: str, genome: Genome) -> list[Locus]:
         require(values["ID"] not in ids, f"ID {values['ID']} twice")
         ids.add(values["ID"])
         loci.append(Locus(sequence, int(start), int(end), values["MOTIFS"]))
-        inside(genome, loci[-1], 250)
+        inside(genome, loci[-1], 250, least_start=251)
     return loci
 
 
@@ -80,7 +81,7 @@ def hipstr(text: str, genome: Genome) -> list[Locus]:
         require(1 <= period <= 9 and start >= 1 and end > start, f"{row}")
         require(end - start + 1 <= 100, f"{row}: longer than --max-str-len")
         loci.append(Locus(sequence, start - 1, end, None))
-        inside(genome, loci[-1], 50)
+        inside(genome, loci[-1], 51)
     return loci
 
 
@@ -123,7 +124,7 @@ def longtr(text: str, genome: Genome) -> list[Locus]:
         require(re.fullmatch("[A-Za-z]+(,[A-Za-z]+)*", row[3]) is not None, f"{row}")
         require(int(row[2]) - int(row[1]) + 1 <= 1000, f"{row}: too long")
         loci.append(Locus(row[0], int(row[1]) - 1, int(row[2]), row[3]))
-        inside(genome, loci[-1], 50)
+        inside(genome, loci[-1], 51)
     return loci
 
 
