@@ -53,6 +53,12 @@ jq jq
 PicardCommandLine picard-tools
 groff groff-base
 zsh zsh' ;;
+    slurm) echo '/usr/sbin/slurmctld slurmctld
+/usr/sbin/slurmd slurmd
+sbatch slurm-client
+/usr/sbin/munged munge
+snakemake snakemake
+python3 python3' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;
