@@ -23,6 +23,6 @@ rule batch:
         runtime=batch_minutes,
     shell:
         "( printf %s {params.config:q} >{output}.config.json && "
-        "{params.python:q} -m snakemake --snakefile {params.snakefile:q} --configfile {output}.config.json "
+        "VORLAN_BATCH={wildcards.batch} {params.python:q} -m snakemake --snakefile {params.snakefile:q} --configfile {output}.config.json "
         "--cores {threads} --nolock --no-hooks --nocolor --scheduler greedy --keep-going --rerun-incomplete "
         "{params.files} && touch {output} ) >{log} 2>&1"

@@ -5,6 +5,7 @@
 
 import csv
 import json
+import os
 import shlex
 import sys
 from pathlib import Path
@@ -106,3 +107,8 @@ def forget_stale_markers():
     for marker, genomes in zip(markers_of_batches(None), BATCHES.values()):
         if Path(marker).exists() and not all(Path(file).exists() for genome in genomes for file in files_of(genome)):
             Path(marker).unlink()
+
+
+# Jobs read these rules, too; what they see of the files of other nodes may be late.
+if "--mode" not in sys.argv and "VORLAN_BATCH" not in os.environ:
+    forget_stale_markers()

@@ -39,6 +39,18 @@ def die_with_parent() -> None:
     ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
 
 
+def parent_of(process: int) -> int:
+    with contextlib.suppress(OSError):
+        return int(pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[1])
+    return 0
+
+
+def name_of(process: int) -> str:
+    with contextlib.suppress(OSError):
+        return pathlib.Path(f"/proc/{process}/comm").read_text().strip()
+    return ""
+
+
 class SlurmCluster:
     """Use as a context; `environment` is what commands of Slurm need."""
 
@@ -129,28 +141,27 @@ class SlurmCluster:
             time.sleep(0.1)
 
     def kill_node(self, node: str) -> None:
-        """As if its power were gone: the daemon and all processes of its jobs at once."""
+        """As if its power were gone: the daemon and all processes of its jobs."""
         self.daemons[node].kill()
         self.daemons.pop(node).wait()
-        for process in self.processes(node):
+        in_jobs = list(self.processes(node))
+        # The keepers of the jobs go first, or they would tell the controller how their jobs ended.
+        keepers = {parent for parent in map(parent_of, in_jobs) if name_of(parent).startswith("slurmstepd")}
+        for process in [*keepers, *in_jobs]:
             with contextlib.suppress(ProcessLookupError):
                 os.kill(process, signal.SIGKILL)
 
     def processes(self, node: str | None = None) -> Iterator[int]:
-        """Processes of jobs and their keepers, of one node or of all; the daemons are not among them."""
-        own = {os.getpid(), *(daemon.pid for daemon in self.daemons.values())}
-        keeper = f"{SBIN}/slurmstepd"
+        """Processes of jobs, of one node or of all."""
         for folder in pathlib.Path("/proc").glob("[0-9]*"):
             try:
                 variables = (folder / "environ").read_bytes().split(b"\0")
-                command = (folder / "cmdline").read_bytes()
             except OSError:
                 continue
-            if f"SLURM_CONF={self.configuration}".encode() not in variables or int(folder.name) in own:
+            if f"SLURM_CONF={self.configuration}".encode() not in variables:
                 continue
-            in_job = f"SLURMD_NODENAME={node}".encode() in variables if node else \
-                any(variable.startswith(b"SLURMD_NODENAME=") for variable in variables)
-            if in_job or (node is None and (keeper.encode() in command or command.startswith(b"slurmstepd"))):
+            if any(variable == f"SLURMD_NODENAME={node}".encode() if node else
+                   variable.startswith(b"SLURMD_NODENAME=") for variable in variables):
                 yield int(folder.name)
 
     def stop(self) -> None:
