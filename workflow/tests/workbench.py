@@ -10,6 +10,7 @@ import os
 import pathlib
 import shutil
 import subprocess
+from collections.abc import Collection
 
 import yaml
 
@@ -109,8 +110,8 @@ class Workbench:
                 found[genome] = said.split(b"File position: ")[1].split(b"\n")[0].decode()
         return found
 
-    def leftovers(self) -> list[str]:
-        """Files that should not have outlived the run."""
+    def leftovers(self, failed: Collection[str] = ()) -> list[str]:
+        """Files that should not have outlived the run; genomes that failed may keep theirs for the next."""
         work = self.folder / self.config["work"]
         return sorted(str(file.relative_to(work)) for file in work.rglob("*")
-                      if file.is_file() and (".unfinished" in file.name or file.suffix in (".report", ".fa")))
+                      if file.is_file() and file.relative_to(work).parts[0] not in failed and (".unfinished" in file.name or file.suffix in (".report", ".fa")))
