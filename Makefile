@@ -21,6 +21,7 @@
 #   make test-tools          run its tests
 #   make test-slurm          run the workflow for many genomes on a Slurm of its own with three nodes;
 #                            GENOMES=folder runs it over these, too
+#   make test-browser        look at the page of vorlan-tools with chromium, and at its numbers with MultiQC
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make fuzz-tools          the same for the report reader of vorlan-tools
 #   make coverage            which lines and branches of the product the tests reach
@@ -52,7 +53,7 @@ configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
 .PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable test-tools test-slurm fuzz fuzz-tools coverage mutants bench figures lint deb clean help
+  test-portable test-tools test-browser test-slurm fuzz fuzz-tools coverage mutants bench figures lint deb clean help
 
 build:
 	$(need) build
@@ -125,10 +126,16 @@ tools:
 	$(call build,tools)
 
 test-tools:
-	$(need) build tools test-tools cookbook documents
+	$(need) build test tools test-tools cookbook documents
 	$(call configure,tools,ON)
 	$(call build,tools)
 	@ctest --preset tools
+
+test-browser:
+	$(need) build tools test-browser
+	$(call configure,tools,ON)
+	@cmake --build --preset tools --target vorlan vorlan-tools >&2
+	@ctest --preset tools-browser
 
 # Snakemake is that of Debian, and so is its Python.
 test-slurm: build tools
@@ -161,7 +168,7 @@ mutants:
 	@tests/mutation/run_mutants.py --write tests/mutation/results.md
 
 bench:
-	$(need) build bench
+	$(need) build tools bench
 	$(call configure,bench,OFF)
 	$(call build,bench)
 	@bench/run_bench.py build/bench $(if $(DATA),--data $(DATA)) $(SECTION:%=--section %) $(if $(QUICK),--quick)

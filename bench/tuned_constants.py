@@ -77,6 +77,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kEnoughGlances", FILTER + "start_filter.cpp", ("4 * std::size_t{kFilterStarts}",
                                                                  "64 * std::size_t{kFilterStarts}"),
                  (cheap, middle_units_human)),
+        Constant("kGroupsInUnit", FILTER + "start_filter.cpp", ("7", "28"), (middle_units_human, long_units_human, cheap)),
         Constant("kMostRowsPerBase", WRAPAROUND + "wraparound_bound.cpp", ("8", "128"), (cheap, middle_units_human)),
         Constant("kWorthALook", WRAPAROUND + "wraparound_bound.cpp", ("16", "64"), (middle_units_human, long_units_human)),
         Constant("kWraparoundRowsPerLook", WRAPAROUND + "wraparound_kernel.h", ("4", "16"), (cheap, middle_units_human)),

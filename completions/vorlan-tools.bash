@@ -5,16 +5,47 @@
 
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
+  [catalog]='-t --to -g --genome -o --output -O --output-type --write-index --rejected --overlaps --min-gap --flank
+    --max-period --max-length --trim-to-units --cut-names --unit-length --min-perfection --min-length --min-copies
+    -h --help'
+  [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
+    --vorlan --tsv --json -h --help'
   [check]='-g --genome --limit -h --help'
-  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names -@ --threads
+  [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names --calibration -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
+  [resolve]='--strategy --max-gap -o --output -O --output-type --members --cut-names --unit-length --min-perfection
+    --min-length --min-copies -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
+  [ssr]='--min --compound --min-perfection -o --output --units --sequences --compounds -h --help'
+  [page]='-g --genome --name --calibration -o --output -h --help'
+  [stats]='-g --genome --name --tsv --json --multiqc -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
+  [catalog -t]='trgt hipstr gangstr eh longtr atarva straglr'
+  [catalog --to]='trgt hipstr gangstr eh longtr atarva straglr'
+  [catalog -O]='z u'
+  [catalog --output-type]='z u'
+  [catalog --overlaps]='best all drop'
+  [catalog --min-gap]=''
+  [catalog --flank]=''
+  [catalog --max-period]=''
+  [catalog --max-length]=''
+  [catalog --unit-length]=''
+  [catalog --min-perfection]=''
+  [catalog --min-length]=''
+  [catalog --min-copies]=''
+  [calibrate -k]='1 2 3 4 5 6'
+  [calibrate --word-length]='1 2 3 4 5 6'
+  [calibrate --copies]=''
+  [calibrate --seed]=''
+  [calibrate --window]=''
+  [calibrate --mask-length]=''
+  [calibrate -j]=''
+  [calibrate --jobs]=''
   [check --limit]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'
@@ -28,10 +59,23 @@ declare -gA _vorlan_tools_values=(
   [convert --min-copies]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [resolve --strategy]='best union tile'
+  [resolve --max-gap]=''
+  [resolve -O]='z u'
+  [resolve --output-type]='z u'
+  [resolve --unit-length]=''
+  [resolve --min-perfection]=''
+  [resolve --min-length]=''
+  [resolve --min-copies]=''
+  [page --name]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''
   [run --ending]=''
+  [ssr --min]=''
+  [ssr --compound]=''
+  [ssr --min-perfection]=''
+  [stats --name]=''
 )
 
 _vorlan_tools() {

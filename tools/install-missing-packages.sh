@@ -39,6 +39,7 @@ parallel parallel
 primer3_core primer3
 python3 python3' ;;
     tools) echo 'pkg-config pkg-config
+/usr/share/javascript/chart.js/chart.min.js libjs-chart.js
 /usr/include/htslib/bgzf.h libhts-dev
 /usr/include/CLI/CLI.hpp libcli11-dev
 /usr/include/nlohmann/json.hpp nlohmann-json3-dev' ;;
@@ -59,6 +60,13 @@ sbatch slurm-client
 /usr/sbin/munged munge
 snakemake snakemake
 python3 python3' ;;
+    test-browser) echo '/usr/include/gtest/gtest.h libgtest-dev
+python3 python3
+chromium chromium
+chromedriver chromium-driver
+/usr/lib/python3/dist-packages/selenium python3-selenium
+/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf fonts-dejavu-core
+multiqc multiqc' ;;
     figures) echo '/usr/lib/python3/dist-packages/matplotlib python3-matplotlib' ;;
     test-slow) echo 'valgrind valgrind' ;;
     coverage) echo 'gcovr gcovr' ;;

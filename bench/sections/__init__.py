@@ -11,6 +11,7 @@ from tables import Table
 
 from .accelerations import accelerations
 from .alone import growth, long_units, memory, speed
+from .companion import tools
 from .comparisons import before, not_slower, plain
 from .kernels import kernels
 from .survival import survival
@@ -28,6 +29,7 @@ SECTIONS: dict[str, Callable[[Bench], list[Table]]] = {
     "survival": survival,
     "kernels": kernels,
     "tuning": tuning,
+    "tools": tools,
 }
 # Those that need the program of an earlier commit.
 WITH_YARDSTICK = ("before", "not-slower")

@@ -48,6 +48,7 @@ const SparseStarts* RecordSearch::similar_starts(unsigned unit_length,
   if (!self_alignment_->has_judged(unit_length)) {
     unsigned last = unit_length;
     while (can_judge(last + 1)) ++last;
+    if (!FirstCopyBound::is_worth_it(unit_length, last)) return nullptr;
     self_alignment_->judge(
         bound, unit_length, last, [&](unsigned length) { return min_scores[length]; }, is_working);
   }

@@ -29,7 +29,7 @@ FILES = {
     "share/zsh/site-functions/_vorlan": "completions/_vorlan",
     **{f"{DOCUMENTS}/{path.relative_to(ROOT)}": str(path.relative_to(ROOT))
        for path in sorted([*(ROOT / "examples").rglob("*"), *(ROOT / "docs").rglob("*.md"),
-                           *(ROOT / "docs").rglob("*.svg")]) if path.is_file()},
+                           *(ROOT / "docs").rglob("*.svg"), *(ROOT / "docs").rglob("*.png")]) if path.is_file()},
 }
 GOLDEN = sorted(str(path.parent) for path in (ROOT / "tests/golden").glob("*/cmd"))
 

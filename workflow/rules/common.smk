@@ -20,7 +20,7 @@ def read_table(name):
     """The FASTA file of each genome by name, in the order of the table."""
     genomes = {}
     with open(name, newline="", encoding="utf-8") as table:
-        rows = csv.DictReader(table, delimiter="\t")
+        rows = csv.DictReader(table, delimiter="\t", quoting=csv.QUOTE_NONE)
         if rows.fieldnames != ["genome", "fasta"]:
             raise WorkflowError(f"{name}, line 1: the columns are not \"genome\" and \"fasta\", separated by a tab.")
         for row in rows:
@@ -88,10 +88,16 @@ def parts_of(wildcards):
 
 def files_of(genome):
     """What a genome ends as."""
-    names = [config["report"], "check.txt", *(f"repeats.{ending}" for ending in config["convert"])]
+    names = [config["report"], "check.txt", "stats.json", "stats.tsv"]
+    names += [f"repeats.{ending}" for ending in config["convert"]]
+    names += [f"catalog.{target}.{'json' if target == 'eh' else 'bed'}" for target in config["catalogs"]]
     if config["mask"]:
         names.append(config["mask"])
     return [f"{RESULTS}/{genome}/{name}" for name in names]
+
+
+def stats_of(genome):
+    return f"{RESULTS}/{genome}/stats.json"
 
 
 def files_of_large(wildcards):
@@ -100,6 +106,10 @@ def files_of_large(wildcards):
 
 def markers_of_batches(wildcards):
     return [f"{WORK}/batches/{batch}.done" for batch in BATCHES]
+
+
+def files_of_all(wildcards):
+    return [f"{RESULTS}/stats.tsv", *([f"{RESULTS}/page.html"] if config["page"] else [])]
 
 
 def forget_stale_markers():

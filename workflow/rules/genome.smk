@@ -65,3 +65,45 @@ rule mask:
         runtime=step_minutes,
     shell:
         "{params.tools:q} mask -g {input.fasta} -o {output} {input.report} 2>{log}"
+
+
+rule catalog:
+    input:
+        report=REPORT,
+        fasta=fasta_of,
+    output:
+        catalog=f"{RESULTS}/{{genome}}/catalog.{{genotyper}}.{{ending,bed|json}}",
+        rejected=f"{RESULTS}/{{genome}}/catalog.{{genotyper}}.{{ending}}.rejected.tsv",
+    log:
+        "logs/{genome}/catalog_{genotyper}.{ending}.log",
+    params:
+        tools=config["vorlan_tools"],
+    conda:
+        "../envs/shell.yaml"
+    resources:
+        mem_mb=step_memory,
+        runtime=step_minutes,
+    shell:
+        "{params.tools:q} catalog -t {wildcards.genotyper} -g {input.fasta} --rejected {output.rejected} "
+        "-o {output.catalog} {input.report} 2>{log}"
+
+
+rule stats:
+    input:
+        report=REPORT,
+        fasta=fasta_of,
+    output:
+        json=f"{RESULTS}/{{genome}}/stats.json",
+        table=f"{RESULTS}/{{genome}}/stats.tsv",
+    log:
+        "logs/{genome}/stats.log",
+    params:
+        tools=config["vorlan_tools"],
+    conda:
+        "../envs/shell.yaml"
+    resources:
+        mem_mb=step_memory,
+        runtime=step_minutes,
+    shell:
+        "{params.tools:q} stats -g {input.fasta} --name {wildcards.genome} --json {output.json} --tsv {output.table} "
+        "{input.report} 2>{log}"

@@ -43,7 +43,7 @@ class OnThreeNodes(unittest.TestCase):
 
     def search(self, name: str, genomes: dict[str, pathlib.Path], **settings) -> Workbench:
         """Runs the workflow and compares; malformed genomes must be named with their line."""
-        bench = Workbench(self.folder / name, genomes, self.cluster, **settings)
+        bench = Workbench(self.folder / name, dict(genomes), self.cluster, **settings)
         begin = time.monotonic()
         status, said = bench.run()
         print(f"{name}: {len(genomes)} genomes in {time.monotonic() - begin:.0f} s", flush=True)
@@ -55,10 +55,25 @@ class OnThreeNodes(unittest.TestCase):
         self.assertEqual(bench.leftovers(malformed), [])
         for genome in set(genomes) - set(malformed):
             self.assertIn("holds", (bench.report(genome).parent / "check.txt").read_text())
-        if not malformed:
+        if malformed:
+            self.assertFalse((bench.folder / "results/page.html").exists())
+            for genome in malformed:
+                del bench.genomes[genome]
+            bench.write_table()
             status, said = bench.run()
-            self.assertIn("Nothing to be done", said)
+            self.assertEqual(status, 0, f"{said}\n{bench.logs()}")
+            self.assertEqual(bench.differing(), [])
+        self.assert_whole_page(bench)
+        self.assertIn("Nothing to be done", bench.run()[1])
         return bench
+
+    def assert_whole_page(self, bench: Workbench) -> None:
+        page = (bench.folder / "results/page.html").read_text()
+        table = (bench.folder / "results/stats.tsv").read_text().splitlines()
+        for genome in bench.genomes:
+            self.assertIn(genome, page)
+        self.assertEqual([line.split("\t")[0] for line in table if line.split("\t")[1] == "genome"],
+                         list(bench.genomes))
 
     def test_examples_in_both_formats(self) -> None:
         genomes = genomes_in(ROOT / "examples", ROOT / "examples/excerpts")

@@ -6,10 +6,11 @@ from __future__ import annotations
 
 import json
 import pathlib
+import subprocess
 import tempfile
 import unittest
 
-from workbench import ROOT, Workbench
+from workbench import ROOT, TOOLS, Workbench
 
 EXAMPLES = {"one": ROOT / "examples/androgen_receptor.fa", "two": ROOT / "examples/mixed_records.fa"}
 
@@ -57,6 +58,25 @@ class Table(unittest.TestCase):
         self.assertEqual(bench.differing(), [])
         self.assertEqual(bench.leftovers(), [])
         self.assertIn("Nothing to be done", bench.run("--cores", "2")[1])
+
+    def test_other_files_are_those_that_vorlan_tools_makes_of_the_report(self) -> None:
+        bench = Workbench(self.folder, {"one": EXAMPLES["one"]}, catalogs=["trgt", "eh"], convert=["bed.gz", "bam", "tsv"],
+                          mask="masked.fa")
+        status, said = bench.run("--cores", "2")
+        self.assertEqual(status, 0, said)
+        fasta, report = "genomes/androgen_receptor.fa", "results/one/report.txt"
+        for name, words in (("repeats.bed.gz", ["convert", "-t", "bed", "--sort", "-O", "z"]),
+                            ("repeats.bam", ["convert", "-t", "bam"]),
+                            ("repeats.tsv", ["convert", "-t", "tsv"]),
+                            ("masked.fa", ["mask", "-g", fasta]),
+                            ("catalog.trgt.bed", ["catalog", "-t", "trgt", "-g", fasta]),
+                            ("catalog.eh.json", ["catalog", "-t", "eh", "-g", fasta])):
+            expected = subprocess.run([TOOLS, *words, report], cwd=self.folder, check=True, stdout=subprocess.PIPE,
+                                      stderr=subprocess.DEVNULL).stdout
+            self.assertGreater(len(expected), 0)
+            self.assertEqual((self.folder / "results/one" / name).read_bytes(), expected, name)
+        for name in ("repeats.bed.gz.tbi", "repeats.bam.bai", "catalog.eh.json.rejected.tsv"):
+            self.assertTrue((self.folder / "results/one" / name).exists(), name)
 
     def test_files_of_a_batch_that_are_deleted_are_made_again(self) -> None:
         bench = Workbench(self.folder, EXAMPLES)

@@ -3,6 +3,7 @@
 
 #include "imperfect/filter/start_filter.h"
 
+#include <algorithm>
 #include <bit>
 #include <functional>
 #include <numeric>
@@ -23,6 +24,9 @@ constexpr int kFewEdits = 24;
 constexpr int kVeryFewEdits = 12;
 constexpr std::ptrdiff_t kShortUnit = 6;
 
+/// Starts that are less than this part of a unit apart are judged together.
+constexpr std::ptrdiff_t kGroupsInUnit = 14;
+
 std::size_t count_starts(const std::uint64_t* words) {
   return std::transform_reduce(
       words, words + kFilterWords, std::size_t{0}, std::plus(),
@@ -34,7 +38,8 @@ std::size_t count_starts(const std::uint64_t* words) {
 StartFilter::StartFilter(std::string_view residues, const BitPlanes& planes, unsigned unit_length,
                          int min_score, std::ptrdiff_t starts, const Accelerations& accelerations)
     : has_automaton_(accelerations.candidate_filter),
-      filter_(planes, unit_length, min_score, starts) {
+      filter_(planes, unit_length, min_score, starts),
+      group_(std::max<std::ptrdiff_t>(1, unit_length / kGroupsInUnit)) {
   const auto length = static_cast<std::ptrdiff_t>(unit_length);
   if (!accelerations.wraparound || !WraparoundBound::can_judge(length, min_score)) return;
   const bool automaton_is_enough = length <= kShortUnit && filter_.most_edits() <= kVeryFewEdits;
@@ -61,9 +66,12 @@ void StartFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
 
 std::span<const std::ptrdiff_t> StartFilter::look_closely() {
   if (!bound_) return filter_.look_closely();
-  const std::span<std::ptrdiff_t> starts =
-      bound_alone_ ? filter_.take_doubts(bound_->lanes()) : filter_.look_closely();
-  return starts.first(bound_->keep_survivors(starts));
+  if (!bound_alone_) {
+    const std::span<std::ptrdiff_t> starts = filter_.look_closely();
+    return starts.first(bound_->keep_survivors(starts));
+  }
+  const std::span<std::ptrdiff_t> starts = filter_.take_doubts(kFilterStarts);
+  return starts.first(bound_->keep_survivors(starts, group_));
 }
 
 }  // namespace vorlan

@@ -41,9 +41,8 @@ class StartFilter {
   std::size_t doubts() const { return filter_.doubts(); }
   std::ptrdiff_t first_doubt() const { return filter_.first_doubt(); }
 
-  /// With so many starts in doubt a close look is worth its time. At most kFilterStarts: with that
-  /// many in doubt a glance is not allowed.
-  std::size_t enough_doubts() const { return bound_alone_ ? bound_->lanes() : kFilterStarts; }
+  /// With so many starts in doubt a close look is worth its time, and a glance is not allowed.
+  static constexpr std::size_t enough_doubts() { return kFilterStarts; }
 
   /// Looks closely at the first starts in doubt. Returns those that survive, in order; valid until
   /// the next call. Requires that some are in doubt.
@@ -52,6 +51,7 @@ class StartFilter {
  private:
   bool has_automaton_;
   CandidateFilter filter_;
+  std::ptrdiff_t group_;  ///< Starts less than so many bases apart are judged together.
   std::optional<WraparoundBound> bound_;
   bool bound_alone_ = false;  ///< Without the close look of the filter.
   bool glances_ = true;

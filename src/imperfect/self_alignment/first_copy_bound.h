@@ -85,6 +85,16 @@ class FirstCopyBound {
            bonus_of(unit_length) == bonus_ && wanted(unit_length, min_score) >= kLeastWanted;
   }
 
+  /// Whether a band of unit lengths takes more time without the self-alignment, whose own hardly
+  /// depends on how many they are. That of the automaton grows with the square of each. A few
+  /// short ones are better left to it, since much of random sequence survives there.
+  static bool is_worth_it(unsigned first, unsigned last) {
+    if (last >= kLongUnit) return true;
+    unsigned squares = 0;
+    for (unsigned length = first; length <= last; ++length) squares += length * length;
+    return squares >= kLongUnit * kLongUnit * 4 / 3;
+  }
+
   AlignmentCosts costs() const {
     return {scaled(kScale + bonus_), scaled(kScale * mismatch_ - bonus_), scaled(kScale * indel_),
             scaled(kScale * indel_ - bonus_)};
@@ -126,8 +136,11 @@ class FirstCopyBound {
 
  private:
   static constexpr std::int64_t kLeastPenalty = 5;
-  /// Ten points: unit lengths from 28 on. Below, the automaton of the candidate filter is as fast.
-  static constexpr std::int16_t kLeastWanted = 10 * kScale;
+  /// Eight points: unit lengths from 23 on. Below, the automaton of the candidate filter is as
+  /// fast.
+  static constexpr std::int16_t kLeastWanted = 8 * kScale;
+  /// The automaton takes as much time for this unit length alone.
+  static constexpr unsigned kLongUnit = 45;
 
   /// In quarters of a point.
   static constexpr int kBonusOfShortUnits = 6;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace vorlan {
@@ -17,7 +18,8 @@ class ResidueCodes {
   ResidueCodes(std::string_view residues, std::ptrdiff_t longest_N_run)
       : residues_(residues), longest_N_run_(longest_N_run) {}
 
-  std::int16_t operator[](std::ptrdiff_t position) const;
+  /// Writes the codes of the residues from `first` on, which may lie outside the sequence.
+  void read(std::ptrdiff_t first, std::span<std::int16_t> codes) const;
 
  private:
   bool is_bridged(std::size_t position) const;

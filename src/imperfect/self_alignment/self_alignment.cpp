@@ -127,10 +127,9 @@ class SelfAlignment::Sweep {
     const std::ptrdiff_t before = direction == Direction::kLeft ? 1 : 0;
     const std::ptrdiff_t leftmost = first_x(tile) - before;
     const std::ptrdiff_t rightmost = first_x(tile + kTilesPerChunk) + band_.highest - 1 - before;
-    for (std::size_t i = 0; i < left_.size(); ++i) {
-      left_[i] = codes_[leftmost + static_cast<std::ptrdiff_t>(i)];
-      right_[i] = codes_[rightmost - static_cast<std::ptrdiff_t>(i)];
-    }
+    codes_.read(leftmost, left_);
+    codes_.read(rightmost + 1 - static_cast<std::ptrdiff_t>(right_.size()), right_);
+    std::reverse(right_.begin(), right_.end());
   }
 
   void align(std::ptrdiff_t tile, AlignTile* align_tile) {

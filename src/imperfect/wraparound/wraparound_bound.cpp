@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <limits>
 #include <new>
 
@@ -43,8 +44,8 @@ bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {
 
 WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
                                  std::ptrdiff_t unit_length, int min_score,
-                                 const WraparoundKernel& kernel)
-    : register_bytes_(kernel.register_bytes) {
+                                 std::span<const WraparoundKernel> kernels)
+    : kernels_(kernels) {
   const Scoring scoring = Scoring::of_the_run();
   const auto plan_for = [&](std::int64_t score, std::int64_t largest_lane) {
     // A path has less than the largest lane, so that an edit that costs more ends it all the same.
@@ -64,37 +65,57 @@ WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
   const std::int64_t narrow_score =
       std::min<std::int64_t>(min_score, highest_min_score(unit_length, kLargestNarrow));
   if (narrow_score == min_score || narrow_score >= kWorthALook) {
-    looks_.push_back({plan_for(narrow_score, kLargestNarrow), kernel.judge_narrow,
-                      register_bytes_ / sizeof(std::uint8_t)});
+    looks_.push_back({plan_for(narrow_score, kLargestNarrow), true});
   }
   if (narrow_score == min_score) return;
-  looks_.push_back({plan_for(min_score, kLargestWide), kernel.judge_wide,
-                    register_bytes_ / sizeof(std::int16_t)});
+  looks_.push_back({plan_for(min_score, kLargestWide), false});
 }
 
 void WraparoundBound::allocate() {
   const auto registers =
       wraparound_registers(static_cast<std::size_t>(looks_.front().plan.unit_length));
-  memory_ = allocate_registers(registers * register_bytes_);
+  memory_ = allocate_registers(registers * kernels_.back().register_bytes);
 }
 
-std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts) {
+std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts,
+                                            std::ptrdiff_t group) {
+  assert(group >= 1 && group <= looks_.front().plan.unit_length);
   if (memory_ == nullptr) allocate();
-  for (const Look& look : looks_) starts = starts.first(keep_survivors(look, starts));
+  for (const Look& look : looks_) starts = starts.first(keep_survivors(look, starts, group));
   return starts.size();
 }
 
-std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts) {
+std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts,
+                                            std::ptrdiff_t group) {
+  const std::size_t most_groups = lanes(look, kernels_.back());
+  std::array<StartGroup, kMostLanes> groups;
   std::array<bool, kMostLanes> can_reach{};
   std::size_t kept = 0;
-  for (std::size_t first = 0; first < starts.size(); first += look.lanes) {
-    const auto batch = starts.subspan(first, std::min(look.lanes, starts.size() - first));
-    look.judge(look.plan, batch.data(), batch.size(), memory_.get(), can_reach.data());
-    for (std::size_t i = 0; i < batch.size(); ++i) {
-      if (can_reach[i]) starts[kept++] = batch[i];
+  for (std::size_t next = 0; next < starts.size();) {
+    const std::size_t first = next;
+    std::size_t count = 0;
+    for (; count < most_groups && next < starts.size(); ++count) {
+      const std::ptrdiff_t begin = starts[next];
+      while (next < starts.size() && starts[next] - begin < group) ++next;
+      groups[count] = {begin, starts[next - 1]};
+    }
+    judge(look, std::span(groups).first(count), can_reach.data());
+    std::size_t judged = 0;
+    for (std::size_t i = first; i < next; ++i) {
+      if (starts[i] > groups[judged].last) ++judged;
+      if (can_reach[judged]) starts[kept++] = starts[i];
     }
   }
   return kept;
+}
+
+// Where lanes would be left over, narrower registers take less time.
+void WraparoundBound::judge(const Look& look, std::span<const StartGroup> groups, bool* can_reach) {
+  const WraparoundKernel& kernel =
+      *std::find_if(kernels_.begin(), kernels_.end() - 1,
+                    [&](const auto& one) { return lanes(look, one) >= groups.size(); });
+  const auto judge = look.is_narrow ? kernel.judge_narrow : kernel.judge_wide;
+  judge(look.plan, groups.data(), groups.size(), memory_.get(), can_reach);
 }
 
 namespace {

@@ -29,30 +29,33 @@ class WraparoundBound {
   /// of the settings. Requires that it can judge.
   WraparoundBound(const char* seq_begin, const char* seq_end, std::ptrdiff_t unit_length,
                   int min_score,
-                  const WraparoundKernel& kernel = runnable_wraparound_kernels().back());
-
-  /// How many starts are judged in the time that one takes.
-  std::size_t lanes() const { return looks_.front().lanes; }
+                  std::span<const WraparoundKernel> kernels = runnable_wraparound_kernels());
 
   /// Moves those of `starts` that are not hopeless to the front, in the same order. Returns how
-  /// many they are. Requires that the units of all of them lie in the sequence. Throws
-  /// std::bad_alloc.
-  std::size_t keep_survivors(std::span<std::ptrdiff_t> starts);
+  /// many they are. Starts less than `group` bases apart are judged together: that is faster where
+  /// most are hopeless, and leaves more. Requires rising order, that the units of all starts lie in
+  /// the sequence, and 1 <= `group` <= unit length. Throws std::bad_alloc.
+  std::size_t keep_survivors(std::span<std::ptrdiff_t> starts, std::ptrdiff_t group = 1);
 
  private:
   struct Look {
     WraparoundPlan plan;
-    JudgeWraparound* judge;
-    std::size_t lanes;
+    bool is_narrow;
   };
 
+  static std::size_t lanes(const Look& look, const WraparoundKernel& kernel) {
+    return kernel.register_bytes / (look.is_narrow ? sizeof(std::uint8_t) : sizeof(std::int16_t));
+  }
+
   void allocate();
-  std::size_t keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts);
+  std::size_t keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts,
+                             std::ptrdiff_t group);
+  void judge(const Look& look, std::span<const StartGroup> groups, bool* can_reach);
 
   /// One, or two for units whose scores do not fit 8 bits: most starts gain so little that those
   /// are enough to reject them.
   std::vector<Look> looks_;
-  std::size_t register_bytes_;
+  std::span<const WraparoundKernel> kernels_;  ///< The narrowest registers first.
   RegisterMemory memory_;
 };
 

@@ -77,7 +77,7 @@ bool has_any(Lanes lanes) {
 #endif
 }
 
-/// The starts of one batch, in one direction after the other.
+/// The groups of one batch, in one direction after the other.
 template <class Lane>
 class Batch {
  public:
@@ -93,12 +93,16 @@ class Batch {
         cells_(reinterpret_cast<Lanes*>(memory)),
         unit_(cells_ + plan.unit_length) {}
 
-  void judge(const std::ptrdiff_t* starts, std::size_t count, bool* can_reach) {
+  void judge(const StartGroup* groups, std::size_t count, bool* can_reach) {
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
-      best_[lane] = lane < count ? static_cast<Lane>(-plan_.floor) : Lane{0};
+      const bool is_used = lane < count;
+      best_[lane] = is_used ? static_cast<Lane>(-plan_.floor) : Lane{0};
+      const std::ptrdiff_t turns = is_used ? groups[lane].last - groups[lane].first : 0;
+      turns_[lane] = static_cast<Lane>(turns);
+      if (turns > most_turns_) most_turns_ = turns;
     }
-    follow_paths<1>(starts, count);
-    follow_paths<-1>(starts, count);
+    follow_paths<1>(groups, count);
+    follow_paths<-1>(groups, count);
     for (std::size_t lane = 0; lane < count; ++lane) can_reach[lane] = best_[lane] >= enough_[0];
   }
 
@@ -137,21 +141,54 @@ class Batch {
     for (std::size_t row = 0; row < kReadAhead; ++row) {
       Narrow narrow;
       __builtin_memcpy(&narrow, bytes[row], sizeof narrow);
-      rows[row] = __builtin_convertvector(narrow, Lanes);
+      rows[row] = __builtin_convertvector(bits_of(narrow), Lanes);
     }
   }
 
-  // Writes the units of all starts as their bases are due.
+  // A bit for each letter: residues match when they share one.
+  static Narrow bits_of(Narrow residues) {
+    Narrow bits{};
+    for (int i = 0; i < 5; ++i) {
+      bits |= reinterpret_cast<Narrow>(residues == static_cast<unsigned char>("ACGTN"[i])) &
+              static_cast<unsigned char>(1 << i);
+    }
+    return bits;
+  }
+
+  // The unit of the first start that is met in this direction, read in that direction, and then the
+  // residues ahead of it.
   template <std::ptrdiff_t direction>
-  void read_units(const std::ptrdiff_t* starts, std::size_t count) {
-    const std::ptrdiff_t length = plan_.unit_length;
+  const char* unit_of(const StartGroup& group) const {
+    return plan_.seq_begin + (direction > 0 ? group.first : group.last + plan_.unit_length);
+  }
+
+  // Writes `length` residues of each group from `distance` behind the begin of the unit on.
+  template <std::ptrdiff_t direction>
+  void read_ahead(const StartGroup* groups, std::size_t count, std::ptrdiff_t distance,
+                  std::ptrdiff_t length, Lanes* rows) const {
     for (std::ptrdiff_t first = 0; first < length; first += std::ptrdiff_t{kReadAhead}) {
-      read_rows(count, unit_ + first, [&](std::size_t lane) {
-        const char* unit = plan_.seq_begin + starts[lane];
+      read_rows(count, rows + first, [&](std::size_t lane) {
+        const char* unit = unit_of<direction>(groups[lane]);
+        const std::ptrdiff_t most = direction > 0 ? plan_.seq_end - unit : unit - plan_.seq_begin;
+        const std::ptrdiff_t from = distance + first < most ? distance + first : most;
+        const std::ptrdiff_t to = distance + length < most ? distance + length : most;
         bool has_N = false;
-        return direction > 0 ? Reader<1>(unit + first, unit + length, 0).read(has_N)
-                             : Reader<-1>(unit + length - first, unit, 0).read(has_N);
+        return Reader<direction>(unit + direction * from, unit + direction * to, 0).read(has_N);
       });
+    }
+  }
+
+  // Writes the units of all groups as their bases are due. Where the group has turned on, the base
+  // is one of two.
+  template <std::ptrdiff_t direction>
+  void read_units(const StartGroup* groups, std::size_t count) {
+    const std::ptrdiff_t length = plan_.unit_length;
+    read_ahead<direction>(groups, count, 0, length, unit_);
+    Lanes ahead[kReadAhead];
+    for (std::ptrdiff_t turn = 0; turn < most_turns_; ++turn) {
+      const std::ptrdiff_t i = turn % std::ptrdiff_t{kReadAhead};
+      if (i == 0) read_ahead<direction>(groups, count, length + turn, kReadAhead, ahead);
+      unit_[turn] |= ahead[i] & reinterpret_cast<Lanes>(turns_ > static_cast<Lane>(turn));
     }
   }
 
@@ -159,12 +196,12 @@ class Batch {
   // what the cell of the next row has then.
   template <bool kHasN>
   static Lanes step(Lanes here, Lanes base, Lanes residue, const Costs& costs, Passing& passing) {
-    const auto matches = residue == base;
+    const auto matches = (residue & base) != static_cast<Lane>(0);
     auto moves = matches;
     // A path that is gone does not come back by a match.
     Lanes gain = smaller(here, Lanes{} + static_cast<Lane>(1));
     if constexpr (kHasN) {
-      moves |= residue == static_cast<Lane>('N');
+      moves |= residue == kN;
       gain = matches ? gain : Lanes{};
     }
     const Lanes behind_gap = moves ? Lanes{} : less(here, costs.indel);
@@ -248,41 +285,54 @@ class Batch {
     best_ = larger(best_, reinterpret_cast<Lanes>(alive > Lanes{}) & enough_);
   }
 
+  // Lets the start that is met after so many rows begin its paths.
+  void begin_paths(std::ptrdiff_t row, Lanes score) {
+    const Lanes begins = reinterpret_cast<Lanes>(turns_ >= static_cast<Lane>(row)) & ~dropped_;
+    cells_[row] = larger(cells_[row], score & begins);
+    if (width_ == 0) first_ = row;
+    const std::ptrdiff_t distance = row >= first_ ? row - first_ : row - first_ + plan_.unit_length;
+    if (distance >= width_) width_ = distance + 1;
+  }
+
   // Raises the best scores to what the paths of all starts reach in one direction.
   template <std::ptrdiff_t direction>
-  void follow_paths(const std::ptrdiff_t* starts, std::size_t count) {
-    read_units<direction>(starts, count);
+  void follow_paths(const StartGroup* groups, std::size_t count) {
+    read_units<direction>(groups, count);
     Reader<direction> readers[kLanes];
+    const char* const end = direction > 0 ? plan_.seq_end : plan_.seq_begin;
     for (std::size_t lane = 0; lane < count; ++lane) {
-      const char* unit = plan_.seq_begin + starts[lane];
-      readers[lane] = direction > 0 ? Reader<direction>(unit + plan_.unit_length, plan_.seq_end,
-                                                        plan_.longest_N_run)
-                                    : Reader<direction>(unit, plan_.seq_begin, plan_.longest_N_run);
+      const char* ahead = unit_of<direction>(groups[lane]) + direction * plan_.unit_length;
+      readers[lane] = Reader<direction>(ahead, end, plan_.longest_N_run);
     }
     for (std::ptrdiff_t i = 0; i < plan_.unit_length; ++i) cells_[i] = Lanes{};
-    cells_[0] = best_;
-    first_ = 0;
-    width_ = 1;
+    first_ = width_ = 0;
     dropped_ = Lanes{};
     drop_decided();
-    for (std::ptrdiff_t rows = 0; width_ > 0; rows += std::ptrdiff_t{kReadAhead}) {
-      if (rows >= plan_.most_rows) return give_up();
+    const Lanes begin_score = best_;
+    begin_paths(0, begin_score);
+    for (std::ptrdiff_t row = 0; width_ > 0 || row <= most_turns_;) {
+      if (row >= plan_.most_rows) return give_up();
       Lanes text[kReadAhead];
       bool has_N = false;
       read_rows(count, text, [&](std::size_t lane) { return readers[lane].read(has_N); });
-      for (std::size_t row = 0; row < kReadAhead && width_ > 0; ++row) {
+      for (const Lanes& residue : text) {
         if (has_N) {
-          step_row<true>(text[row]);
+          step_row<true>(residue);
         } else {
-          step_row<false>(text[row]);
+          step_row<false>(residue);
         }
-        if (row % kWraparoundRowsPerLook == kWraparoundRowsPerLook - 1) drop_decided();
+        if (++row <= most_turns_) begin_paths(row, begin_score);
+        if (row % kWraparoundRowsPerLook == 0) drop_decided();
       }
     }
   }
 
+  static constexpr Lane kN = 16;
+
   Costs costs_;
   Lanes enough_;
+  Lanes turns_{};  ///< How many bases the last start of the group lies behind the first.
+  std::ptrdiff_t most_turns_ = 0;
   Lanes best_{};     ///< Above the floor, so far.
   Lanes dropped_{};  ///< All bits of the starts whose paths are no longer followed.
   const WraparoundPlan& plan_;
@@ -293,9 +343,9 @@ class Batch {
 };
 
 template <class Lane>
-void judge(const WraparoundPlan& plan, const std::ptrdiff_t* starts, std::size_t count,
+void judge(const WraparoundPlan& plan, const StartGroup* groups, std::size_t count,
            std::byte* memory, bool* can_reach) {
-  Batch<Lane>(plan, memory).judge(starts, count, can_reach);
+  Batch<Lane>(plan, memory).judge(groups, count, can_reach);
 }
 
 }  // namespace

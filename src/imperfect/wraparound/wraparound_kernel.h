@@ -31,7 +31,7 @@
 // Example that is left to the extension: GT|AC|ACACAC|GG.., 6 points forward; nothing else is
 // looked at.
 //
-// Registers: each lane is one start, so that no lane needs its neighbour, and starts may lie
+// Registers: each lane is one group, so that no lane needs its neighbour, and groups may lie
 // anywhere. What is stored is the score above the floor; 0 stands for no path, and subtraction
 // stops there, so that a path that falls to the floor is gone. 8 bits suffice for units up to about
 // 120 bases, 16 for all others.
@@ -42,12 +42,34 @@
 //   residue T . . . 4 2                 from above left: match or mismatch
 //             ^ cells outside the band of live ones are not touched
 //
+// Groups: written round and round, the units of neighbouring starts are almost the same circle. The
+// unit of the next start has the base behind the unit in place of its first base. So neighbours
+// share the cells: the first bases of the circle may each be either of two.
+//
+//     sequence   A C A T G C C A        starts 0 and 1, units of 5
+//     unit 0     A C A T G
+//     unit 1       C A T G C            circle [AC] C A T G
+//
+// Each start begins its paths where it is met: one residue and one unit base later than the start
+// before it; backward the last one is met first. So every path of every start is a path of its
+// group, with the same score, but for edits that a start makes where another unit has a match. The
+// path that takes the match and makes the edit afterwards is worth no less: it is a point ahead
+// until the other has consumed both the residue and the base as well. So where the best of the
+// group, forward and then backward, is less than what is accepted, all its starts are hopeless. The
+// reverse does not hold, since a path may take bases of several units: a group that has enough is
+// left to the extension as a whole.
+//
+// Example, starts 2 and 3 of GTACACACGGTT, units of 2: the circle is [AA]C. Start 2 has 4 points,
+// all of them forward; start 3 has 3 forward and 1 backward; the group has 4 and 1. If 6 points are
+// needed, the group is hopeless. If 5 are needed it is left, although each of its starts is
+// hopeless.
+//
 // A start that is undecided for very long is left to the extension: one that neither gains nor
 // loses would be followed to the end of an array, and so would all the starts behind it, whereas
 // extensions share what they find out.
 //
-// Cost: some 15 instructions for each live cell, for 16 to 64 starts. Random sequence is left after
-// two or three units; repeats are left as soon as they are long enough.
+// Cost: some 16 instructions for each live cell, for 8 to 64 groups of starts. Random sequence is
+// left after two or three units; repeats are left as soon as they are long enough.
 
 #pragma once
 
@@ -69,6 +91,14 @@ struct WraparoundPlan {
   std::ptrdiff_t most_rows;      ///< A start that is not decided after so many survives.
 };
 
+/// Neighbouring starts that are judged together: all from the first to the last, which are offsets
+/// in the sequence. Requires that the last lies behind the first by less than a unit length, and
+/// by no more than fits a lane.
+struct StartGroup {
+  std::ptrdiff_t first;
+  std::ptrdiff_t last;  ///< Included.
+};
+
 /// Rows between two looks at which starts have enough. A score grows by one for each row.
 /// Chosen by the bench, table "Tuning".
 inline constexpr int kWraparoundRowsPerLook = 8;
@@ -79,11 +109,11 @@ constexpr std::size_t wraparound_registers(std::size_t unit_length) {
   return 2 * unit_length + kBasesAtOnce;
 }
 
-/// Writes to `can_reach` for each of `count` starts (offsets in the sequence) whether its extension
-/// may reach the least score. Requires at most as many starts as there are lanes, that the units
-/// lie in the sequence, and `memory`, aligned to a register, of
+/// Writes to `can_reach` for each of `count` groups whether the extension of one of its starts may
+/// reach the least score. Requires at most as many groups as there are lanes, that the units lie in
+/// the sequence, and `memory`, aligned to a register, of
 /// wraparound_registers(unit length) registers.
-using JudgeWraparound = void(const WraparoundPlan& plan, const std::ptrdiff_t* starts,
+using JudgeWraparound = void(const WraparoundPlan& plan, const StartGroup* groups,
                              std::size_t count, std::byte* memory, bool* can_reach);
 
 /// The functions of one instruction set, and its registers.

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -58,33 +59,48 @@ class BoundedSequence {
     }
   }
 
-  std::int64_t bound(std::ptrdiff_t start) const {
-    return plain_wraparound_bound(residues_, settings_, static_cast<std::size_t>(start),
-                                  unit_length_);
+  /// Of each start, the bound of all that are judged together with it.
+  std::vector<std::int64_t> bounds(std::ptrdiff_t group) const {
+    std::vector<std::int64_t> bounds;
+    while (bounds.size() < starts_.size()) {
+      const auto first = starts_.begin() + static_cast<std::ptrdiff_t>(bounds.size());
+      const auto end = std::lower_bound(first, starts_.end(), *first + group);
+      const std::int64_t bound =
+          plain_wraparound_bound(residues_, settings_, static_cast<std::size_t>(*first),
+                                 static_cast<std::size_t>(*(end - 1)), unit_length_);
+      bounds.insert(bounds.end(), static_cast<std::size_t>(end - first), bound);
+    }
+    return bounds;
   }
+
+  std::ptrdiff_t largest_group() const { return static_cast<std::ptrdiff_t>(unit_length_); }
 
   int score(std::ptrdiff_t start) const {
     return extended_plainly(residues_, settings_, static_cast<std::size_t>(start), unit_length_)
         .score;
   }
 
-  Starts survivors(int min_score, const WraparoundKernel& kernel) const {
+  Starts survivors(int min_score, std::span<const WraparoundKernel> kernels,
+                   std::ptrdiff_t group = 1) const {
     WraparoundBound bound(dna_.at(0), dna_.end(), static_cast<std::ptrdiff_t>(unit_length_),
-                          min_score, kernel);
+                          min_score, kernels);
     Starts starts = starts_;
-    starts.resize(bound.keep_survivors(starts));
+    starts.resize(bound.keep_survivors(starts, group));
     return starts;
   }
 
-  /// What every kernel keeps must be what the definition asks for.
-  void expect_definition(const std::vector<std::int64_t>& bounds, int min_score) const {
+  /// What every kernel keeps, and all of them together, must be what the definition asks for.
+  void expect_definition(const std::vector<std::int64_t>& bounds, int min_score,
+                         std::ptrdiff_t group) const {
     Starts expected;
     for (std::size_t i = 0; i < starts_.size(); ++i) {
       if (bounds[i] >= min_score) expected.push_back(starts_[i]);
     }
     for (const WraparoundKernel& kernel : runnable_wraparound_kernels()) {
-      ASSERT_EQ(survivors(min_score, kernel), expected) << description(min_score);
+      ASSERT_EQ(survivors(min_score, {&kernel, 1}, group), expected)
+          << "groups of " << group << ", " << description(min_score);
     }
+    ASSERT_EQ(survivors(min_score, runnable_wraparound_kernels(), group), expected);
   }
 
   std::string description(int min_score) const {
@@ -103,17 +119,24 @@ class BoundedSequence {
 class WraparoundBoundTest : public FreshSettings {
  protected:
   /// At every bound and just above it, where the starts that have it are rejected.
-  void expect_definition_at_all_bounds(const BoundedSequence& sequence) {
-    std::vector<std::int64_t> bounds;
+  void expect_definition_at_all_bounds(const BoundedSequence& sequence, std::ptrdiff_t group = 1) {
+    const std::vector<std::int64_t> bounds = sequence.bounds(group);
     std::set<int> min_scores;
-    for (const std::ptrdiff_t start : sequence.starts()) {
-      bounds.push_back(sequence.bound(start));
-      min_scores.insert({static_cast<int>(bounds.back()), static_cast<int>(bounds.back()) + 1});
+    for (const std::int64_t bound : bounds) {
+      min_scores.insert({static_cast<int>(bound), static_cast<int>(bound) + 1});
     }
     for (const int min_score : min_scores) {
       if (min_score < 1) continue;
-      ASSERT_NO_FATAL_FAILURE(sequence.expect_definition(bounds, min_score));
+      ASSERT_NO_FATAL_FAILURE(sequence.expect_definition(bounds, min_score, group));
       ++tried_;
+    }
+  }
+
+  /// One by one, and in groups of several sizes.
+  void expect_definition_in_groups(const BoundedSequence& sequence) {
+    const std::ptrdiff_t largest = sequence.largest_group();
+    for (const std::ptrdiff_t group : std::set<std::ptrdiff_t>{1, (largest + 2) / 3, largest}) {
+      ASSERT_NO_FATAL_FAILURE(expect_definition_at_all_bounds(sequence, group));
     }
   }
 
@@ -125,7 +148,9 @@ class WraparoundBoundTest : public FreshSettings {
     for (const int min_score : std::set<int>(scores.begin(), scores.end())) {
       if (min_score < 1) continue;
       const auto kernels = runnable_wraparound_kernels();
-      const Starts kept = sequence.survivors(min_score, kernels[tried_++ % kernels.size()]);
+      const std::ptrdiff_t group = tried_ % 2 == 0 ? 1 : sequence.largest_group();
+      const WraparoundKernel& kernel = kernels[tried_++ / 2 % kernels.size()];
+      const Starts kept = sequence.survivors(min_score, {&kernel, 1}, group);
       rejected_ += sequence.starts().size() - kept.size();
       for (std::size_t i = 0; i < scores.size(); ++i) {
         if (scores[i] < min_score) continue;
@@ -161,7 +186,7 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTexts) {
     differential::for_each_string_up_to("AC", 10 - kShorter, [&](const std::string& text) {
       for (std::size_t unit_length = 1; unit_length <= 4 && unit_length < text.size();
            ++unit_length) {
-        expect_definition_at_all_bounds({text, settings, unit_length});
+        expect_definition_in_groups({text, settings, unit_length});
       }
       return !HasFailure();
     });
@@ -177,7 +202,7 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTextsWithN) {
     differential::for_each_string_up_to("ACN", 8 - kShorter, [&](const std::string& text) {
       for (std::size_t unit_length = 1; unit_length <= 3 && unit_length < text.size();
            ++unit_length) {
-        expect_definition_at_all_bounds({text, settings, unit_length});
+        expect_definition_in_groups({text, settings, unit_length});
       }
       return !HasFailure();
     });
@@ -240,7 +265,7 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForPlantedRepeats) {
     const Settings settings = random_bound_settings(random);
     BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
     sequence.thin_out(random, 1 + random.below(100));
-    ASSERT_NO_FATAL_FAILURE(expect_definition_at_all_bounds(sequence));
+    ASSERT_NO_FATAL_FAILURE(expect_definition_in_groups(sequence));
   }
   EXPECT_GT(tried_, 50U * kWorkload);
 }
@@ -254,7 +279,7 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForLongUnits) {
       const Settings settings = random_bound_settings(random);
       BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
       sequence.thin_out(random, 12);
-      ASSERT_NO_FATAL_FAILURE(expect_definition_at_all_bounds(sequence));
+      ASSERT_NO_FATAL_FAILURE(expect_definition_in_groups(sequence));
     }
   }
   EXPECT_GT(tried_, 50U);
@@ -277,10 +302,29 @@ TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAPlantedRepeat) {
   EXPECT_GT(rejected_, 1'000U * kWorkload);
 }
 
+TEST_F(WraparoundBoundTest, IsNeverBelowThatOfAStartOfTheGroup) {
+  std::size_t higher = 0;
+  for (std::uint64_t seed = 0; seed < 60 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const auto unit_length = static_cast<std::size_t>(random.between(4, 20));
+    const Settings settings = random_bound_settings(random);
+    const BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+    const std::vector<std::int64_t> alone = sequence.bounds(1);
+    const std::vector<std::int64_t> together = sequence.bounds(sequence.largest_group());
+    for (std::size_t i = 0; i < alone.size(); ++i) {
+      ASSERT_GE(together[i], alone[i]) << "start " << sequence.starts()[i];
+      if (together[i] > alone[i]) ++higher;
+    }
+  }
+  EXPECT_GT(higher, 100U * kWorkload);
+}
+
 /// Whether the first start is left when `min_score` is asked for.
 bool is_left(const std::string& residues, const Settings& settings, std::size_t unit_length,
              int min_score, const WraparoundKernel& kernel) {
-  const Starts kept = BoundedSequence(residues, settings, unit_length).survivors(min_score, kernel);
+  const Starts kept =
+      BoundedSequence(residues, settings, unit_length).survivors(min_score, {&kernel, 1});
   return !kept.empty() && kept.front() == 0;
 }
 

@@ -93,7 +93,7 @@ TEST_F(BoundExamples, WraparoundKernelH) {
   const auto survives = [](std::string_view residues, int min_score,
                            const WraparoundKernel& kernel) {
     const Dna dna(residues);
-    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score, kernel);
+    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score, {&kernel, 1});
     std::ptrdiff_t starts[] = {2};
     return bound.keep_survivors(starts) == 1;
   };
@@ -103,6 +103,19 @@ TEST_F(BoundExamples, WraparoundKernelH) {
     EXPECT_TRUE(survives("GTACACACGGTT", 4, kernel));
     EXPECT_TRUE(survives("GTACACACACGG", 6, kernel));
   }
+}
+
+TEST_F(BoundExamples, WraparoundKernelHGroups) {
+  const Dna dna("GTACACACGGTT");
+  const auto survivors = [&](int min_score, std::ptrdiff_t group) {
+    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score);
+    std::ptrdiff_t starts[] = {2, 3};
+    return bound.keep_survivors(starts, group);
+  };
+  EXPECT_EQ(survivors(4, 1), 2U);
+  EXPECT_EQ(survivors(5, 1), 0U);
+  EXPECT_EQ(survivors(5, 2), 2U);
+  EXPECT_EQ(survivors(6, 2), 0U);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "cli/exit_status.h"
 #include "cli/subcommands.h"
 #include "errors.h"
+#include "io/unfinished_files.h"
 
 #ifndef VORLAN_TOOLS_VERSION
 #error "The build names the version."
@@ -54,11 +55,13 @@ int perform(const Action& action) {
   return kData;
 }
 
-// What stands behind "--" of the subcommand `run` is the command line of another program, and never
-// read as ours. Shortens `argc`.
+// What stands behind "--" of `run` and `calibrate` is the command line of another program, and
+// never read as ours. Shortens `argc`.
 std::vector<std::string> take_vorlan_arguments(int& argc, char** argv) {
   std::vector<std::string> arguments;
-  if (argc < 2 || std::string_view(argv[1]) != "run") return arguments;
+  if (argc < 2) return arguments;
+  const std::string_view subcommand = argv[1];
+  if (subcommand != "run" && subcommand != "calibrate") return arguments;
   char** const end = argv + argc;
   char** const marks = std::find(argv + 2, end, std::string_view("--"));
   if (marks == end) return arguments;
@@ -84,6 +87,7 @@ int run_command_line(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return end_parse(app, error);
   }
+  remove_unfinished_files_at_signals();
   return perform(action);
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli/exit_status.h"
+#include "cli/filter_options.h"
 #include "convert/conversion.h"
 #include "errors.h"
 
@@ -19,9 +20,7 @@ struct ConvertOptions {
   Conversion conversion;
   std::string target;
   std::string output_type;
-  std::string unit_lengths;
-  double min_perfection = 0;
-  double min_copies = 0;
+  FilterOptions filter;
 };
 
 const std::map<std::string, Target> kTargets = {
@@ -46,11 +45,7 @@ int run_convert(const ConvertOptions& options) {
   Conversion conversion = options.conversion;
   conversion.target = kTargets.at(options.target);
   conversion.compression = compression_of(options);
-  if (!options.unit_lengths.empty()) set_unit_lengths(conversion.filter, options.unit_lengths);
-  if (options.min_perfection > 0) {
-    conversion.filter.min_perfection = to_thousandths(options.min_perfection, "--min-perfection");
-  }
-  conversion.filter.min_copies = to_thousandths(options.min_copies, "--min-copies");
+  conversion.filter = filter_of(options.filter);
   convert(conversion);
   return kSuccess;
 }
@@ -71,25 +66,10 @@ void add_output_options(CLI::App& command, ConvertOptions& options) {
   command.add_flag("--sort", conversion.sort, "Order by name of sequence, then start, then end");
   command.add_flag("--cut-names", conversion.cut_names,
                    "End the names of sequences at their first tab, as samtools faidx does");
+  command.add_option("--calibration", conversion.calibration,
+                     "Add the share of false repeats, from a file of calibrate --json");
   command.add_option("-@,--threads", conversion.threads, "Threads that compress (default 1)")
       ->check(CLI::Range(1, 256));
-}
-
-void add_filter_options(CLI::App& command, ConvertOptions& options) {
-  command.add_option("--unit-length", options.unit_lengths,
-                     "Only units of this length or range, such as 2-6 or 7-");
-  command
-      .add_option("--min-perfection", options.min_perfection,
-                  "Only repeats of at least this perfection in %")
-      ->check(CLI::Range(0.0, 100.0));
-  command
-      .add_option("--min-length", options.conversion.filter.min_length,
-                  "Only repeats of at least so many bases in the sequence")
-      ->check(CLI::NonNegativeNumber);
-  command
-      .add_option("--min-copies", options.min_copies,
-                  "Only repeats of at least so many copies of the unit")
-      ->check(CLI::NonNegativeNumber);
 }
 
 }  // namespace
@@ -102,7 +82,7 @@ void add_convert(CLI::App& app, Action& action) {
       ->add_option("report", options->conversion.report, "Report to convert; - is standard input")
       ->required();
   add_output_options(*command, *options);
-  add_filter_options(*command, *options);
+  add_filter_options(*command, options->filter);
   command->callback([&action, options] { action = [options] { return run_convert(*options); }; });
 }
 

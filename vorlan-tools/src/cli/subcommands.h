@@ -16,7 +16,7 @@ using Action = std::function<int()>;
 
 /// Adds every subcommand to `app`. When one of them has been parsed, its work is found in `action`,
 /// which must live as long as `app`.
-/// `vorlan_arguments` is what stands behind "--" of the subcommand `run`.
+/// `vorlan_arguments` is what stands behind "--" of `run` or `calibrate`.
 void add_subcommands(CLI::App& app, Action& action,
                      const std::vector<std::string>& vorlan_arguments);
 

@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include "convert/false_share_rows.h"
 #include "convert/sequence_names.h"
 #include "errors.h"
 
@@ -42,6 +43,9 @@ void require_sense(const Conversion& conversion) {
   }
   if (conversion.compression == Compression::kBgzip && conversion.target == Target::kBam) {
     throw UsageError("BAM is compressed anyway; -O z is for the other targets.");
+  }
+  if (!conversion.calibration.empty() && !can_hold_false_shares(conversion.target)) {
+    throw UsageError("--calibration is for bed, gff3, jsonl and tsv.");
   }
   if (is_same_file(conversion.report, conversion.output)) {
     throw UsageError("The output " + conversion.output + " is the report itself.");

@@ -18,6 +18,7 @@ enum class Target { kBed, kGff3, kJsonLines, kSam, kBam, kPaf, kTsv };
 struct Conversion {
   std::string report = "-";
   std::string output = "-";
+  std::string calibration;  ///< file of `calibrate --json`; empty: no shares of false repeats
   Target target = Target::kBed;
   Compression compression = Compression::kPlain;
   bool write_index = false;

@@ -7,7 +7,9 @@
 #include <optional>
 #include <unordered_map>
 
+#include "calibrate/calibration_json.h"
 #include "convert/conversion.h"
+#include "convert/false_share_rows.h"
 #include "convert/index_order.h"
 #include "convert/row_format.h"
 #include "convert/sequence_names.h"
@@ -34,6 +36,13 @@ std::unique_ptr<RowFormat> rows_of(Target target) {
     default:
       return bed_rows();
   }
+}
+
+std::unique_ptr<RowFormat> rows_for(const Conversion& conversion) {
+  std::unique_ptr<RowFormat> rows = rows_of(conversion.target);
+  if (conversion.calibration.empty()) return rows;
+  return with_false_shares(std::move(rows), conversion.target,
+                           read_calibration(conversion.calibration));
 }
 
 /// Takes rows in the order of the report and writes them so, or sorted.
@@ -128,7 +137,7 @@ void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& r
 }  // namespace
 
 void convert_to_rows(const Conversion& conversion) {
-  const std::unique_ptr<RowFormat> format = rows_of(conversion.target);
+  const std::unique_ptr<RowFormat> format = rows_for(conversion);
   if (!format->needs_sequences()) {
     ReportReader report(conversion.report);
     if (conversion.target == Target::kPaf) require_alignments(report.head(), report.name());

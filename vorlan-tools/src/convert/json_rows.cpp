@@ -79,26 +79,15 @@ class JsonRows : public RowFormat {
   static void append_text(std::string& text, std::string_view key, std::string_view value) {
     if (value.empty()) return;
     ((text += ",\"") += key) += "\":";
-    append_string(text, value);
-  }
-
-  static void append_string(std::string& text, std::string_view value) {
-    for (const char c : value) {
-      if (c < ' ' || c > '~' || c == '"' || c == '\\') {
-        bool is_exact = true;
-        text += json_string(value, is_exact);
-        return;
-      }
-    }
-    ((text += '"') += value) += '"';
+    append_json_string(text, value);
   }
 
   static void append_alignment(std::string& text, const Repeat& repeat) {
     if (!repeat.has_alignment()) return;
     append_cigar(text += ",\"cigar\":\"", repeat);
-    append_string(text += "\",\"alignment\":[", repeat.sequence_line);
-    append_string(text += ',', repeat.match_line);
-    append_string(text += ',', repeat.unit_line);
+    append_json_string(text += "\",\"alignment\":[", repeat.sequence_line);
+    append_json_string(text += ',', repeat.match_line);
+    append_json_string(text += ',', repeat.unit_line);
     text += ']';
   }
 

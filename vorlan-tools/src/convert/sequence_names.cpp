@@ -103,6 +103,17 @@ std::string json_string(std::string_view text, bool& is_exact) {
   }
 }
 
+void append_json_string(std::string& to, std::string_view text) {
+  for (const char c : text) {
+    if (c < ' ' || c > '~' || c == '"' || c == '\\') {
+      bool is_exact = true;
+      to += json_string(text, is_exact);
+      return;
+    }
+  }
+  ((to += '"') += text) += '"';
+}
+
 std::string tsv_name(std::string_view name) {
   std::string text;
   for (const char c : name) {

@@ -30,6 +30,9 @@ void append_gff3_value(std::string& text, std::string_view value);
 /// none did.
 std::string json_string(std::string_view text, bool& is_exact);
 
+/// Appends json_string(text), at once if no byte of it needs an escape.
+void append_json_string(std::string& to, std::string_view text);
+
 /// A tab becomes \t, a carriage return \r and a backslash \\.
 std::string tsv_name(std::string_view name);
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "errors.h"
 #include "io/open_input.h"
@@ -118,10 +119,35 @@ void FastaReader::read_residues() {
   if (residues_are_ahead_) pass_residues<true>();
 }
 
+/// The first line feed in the buffer, or the end of the buffer.
+std::size_t FastaReader::find_line_feed() const {
+  const void* const found = std::memchr(buffer_.data() + begin_, '\n', end_ - begin_);
+  return found == nullptr
+             ? end_
+             : static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
+}
+
+/// Most bytes are letters of a residue line that lies in the buffer: they are taken at once, up to
+/// the first byte that is anything else.
+template <bool kKeep>
+void FastaReader::pass_letters() {
+  const std::size_t size = residues_.size();
+  const std::size_t line_end = find_line_feed();
+  if (kKeep) residues_.resize(size + (line_end - begin_));
+  char* next = residues_.data() + size;
+  for (; begin_ < line_end; ++begin_) {
+    const char residue = kResidues[static_cast<unsigned char>(buffer_[begin_])];
+    if (residue <= kMalformed) break;
+    if (kKeep) *next++ = residue;
+  }
+  if (kKeep) residues_.resize(static_cast<std::size_t>(next - residues_.data()));
+}
+
 template <bool kKeep>
 void FastaReader::pass_residues() {
   residues_are_ahead_ = false;
   for (bool at_line_start = true;;) {
+    if (!at_line_start) pass_letters<kKeep>();
     const int c = at_line_start ? peek() : get();
     if (c == kEnd) return;
     if (at_line_start) {

@@ -58,6 +58,9 @@ class FastaReader {
   int peek();
   void skip_before_records();
   void read_header_line();
+  std::size_t find_line_feed() const;
+  template <bool kKeep>
+  void pass_letters();
   template <bool kKeep>
   void pass_residues();
   [[noreturn]] void fail(const std::string& what) const;

@@ -13,6 +13,7 @@
 #include <filesystem>
 
 #include "errors.h"
+#include "io/unfinished_files.h"
 
 namespace vorlan_tools {
 
@@ -65,19 +66,28 @@ PendingFile::PendingFile(const std::string& name) : name_(name) {
 void PendingFile::create_beside() {
   final_path_ = behind_links(name_);
   path_ = final_path_ + ".XXXXXX";
-  descriptor_ = ::mkostemp(path_.data(), O_CLOEXEC);
+  {
+    const SignalsWait wait;
+    descriptor_ = ::mkostemp(path_.data(), O_CLOEXEC);
+    if (descriptor_ >= 0) add_unfinished_file(path_);
+  }
   if (descriptor_ < 0) fail("create", name_);
   is_beside_ = true;
   if (::fchmod(descriptor_, new_file_mode()) != 0) {
     ::close(descriptor_);
-    ::unlink(path_.c_str());
+    remove_beside();
     fail("create", name_);
   }
 }
 
 PendingFile::~PendingFile() {
   if (descriptor_ >= 0) ::close(descriptor_);
-  if (is_beside_) ::unlink(path_.c_str());
+  if (is_beside_) remove_beside();
+}
+
+void PendingFile::remove_beside() {
+  ::unlink(path_.c_str());
+  forget_unfinished_file(path_);
 }
 
 int PendingFile::release_descriptor() {
@@ -99,6 +109,7 @@ void PendingFile::commit() {
     fail("write", name_);
   }
   if (::rename(path_.c_str(), final_path_.c_str()) != 0) fail("write", name_);
+  forget_unfinished_file(path_);
   is_beside_ = false;
 }
 

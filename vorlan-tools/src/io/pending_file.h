@@ -10,9 +10,9 @@ namespace vorlan_tools {
 /// A file that appears under its name only when it is whole.
 ///
 /// Bytes go to a file beside the final one, NAME.XXXXXX, which commit() renames. Without commit()
-/// the file beside is removed and an earlier file of that name stays as it was. A symbolic link is
-/// followed: what it points to is replaced, not the link. What is no regular file (a device, a
-/// pipe) is written directly.
+/// the file beside is removed, also when a signal ends the process, and an earlier file of that
+/// name stays as it was. A symbolic link is followed: what it points to is replaced, not the link.
+/// What is no regular file (a device, a pipe) is written directly.
 class PendingFile {
  public:
   /// Creates the file beside `name`; throws DataError if that fails. "-" is standard output.
@@ -44,6 +44,7 @@ class PendingFile {
  private:
   void close_descriptor();
   void create_beside();
+  void remove_beside();
 
   std::string name_;
   std::string path_;

@@ -13,7 +13,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tests/readme"))
 
-from check_document import Workbench, blocks
+from check_document import Workbench, blocks, groups
 
 
 class NextSteps(unittest.TestCase):
@@ -30,6 +30,16 @@ class NextSteps(unittest.TestCase):
             self.assertIn("AR\t1600\t1669\tAGC",
                           "\n".join(bench.run("tabix repeats.bed.gz AR:1601-1601")))
             self.assertEqual(bench.run("samtools faidx masked.fa.gz AR:1668-1671")[1:], ["caAG"])
+
+
+class Page(unittest.TestCase):
+    def test_the_commands_print_what_is_shown_and_their_pages_hold_the_calibration(self) -> None:
+        recipes, = groups((ROOT / "docs/page.md").read_text())
+        self.assertGreater(len(recipes), 5)
+        binaries = (Path(os.environ[name]).resolve() for name in ("VORLAN_BINARY", "VORLAN_TOOLS_BINARY"))
+        with Workbench(ROOT, *binaries) as bench:
+            self.assertEqual([problem for recipe in recipes if (problem := bench.problem(recipe))], [])
+            self.assertIn('"calibration":{', (bench.folder / "page6.html").read_text())
 
 
 if __name__ == "__main__":

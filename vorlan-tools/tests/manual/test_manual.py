@@ -76,7 +76,7 @@ class ManualTest(unittest.TestCase):
         for subcommand in subcommands():
             begin = text.index(f"_vorlan_tools_{subcommand}() {{")
             block = text[begin:text.index("\n}\n", begin)]
-            listed = set(re.findall(rf"(?<=[{{,'(]){OPTION}(?=[}},\[])", block)) - {"-h", "--help"}
+            listed = set(re.findall(rf"(?<=[{{,'(*]){OPTION}(?=[}},\[])", block)) - {"-h", "--help"}
             self.assertEqual(listed, options_of(subcommand), subcommand)
             self.assertIn(f"'{subcommand}:", text)
 

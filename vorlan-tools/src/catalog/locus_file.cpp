@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "catalog/locus_file.h"
+
+#include <htslib/tbx.h>
+
+#include <algorithm>
+
+#include "convert/index_order.h"
+#include "errors.h"
+#include "io/pending_file.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+/// Checked before the file is made.
+const CatalogRequest& checked(const CatalogRequest& request) {
+  if (!request.write_index) return request;
+  if (request.genotyper == Genotyper::kExpansionHunter ||
+      request.compression == Compression::kPlain) {
+    throw UsageError("Only tables that are compressed with bgzip (-O z) can have an index.");
+  }
+  if (request.output == "-") throw UsageError("An index needs a named output (-o).");
+  return request;
+}
+
+tbx_conf_t layout_of(const GenotyperRules& rules) {
+  tbx_conf_t layout = tbx_conf_bed;
+  if (rules.counts_from_one) layout.preset = TBX_GENERIC;
+  return layout;
+}
+
+}  // namespace
+
+LocusFile::LocusFile(const CatalogRequest& request)
+    : request_(checked(request)), file_(request.output, request.compression) {
+  file_.write(catalog_opening(request.genotyper));
+}
+
+void LocusFile::write(std::string_view name, const Locus& locus) {
+  text_ = count_ == 0 ? "" : catalog_separator(request_.genotyper);
+  append_locus(text_, request_.genotyper, name, locus);
+  file_.write(text_);
+  ++count_;
+  longest_end_ = std::max(longest_end_, locus.end);
+}
+
+void LocusFile::finish() {
+  file_.write(catalog_ending(request_.genotyper));
+  file_.close();
+  if (!request_.write_index) {
+    file_.commit();
+    return;
+  }
+  const bool is_csi = longest_end_ > IndexOrder::kPlainIndexLimit;
+  PendingFile index(request_.output + (is_csi ? ".csi" : ".tbi"));
+  const tbx_conf_t layout = layout_of(rules_of(request_.genotyper));
+  if (tbx_index_build3(file_.path().c_str(), index.path().c_str(),
+                       is_csi ? kCsiShift : kPlainIndexShift, 1, &layout) != 0) {
+    throw DataError("Cannot write the index of " + request_.output + ".");
+  }
+  file_.commit();
+  index.commit();
+}
+
+}  // namespace vorlan_tools
