@@ -4,6 +4,7 @@
 # What is made of the report of one genome. vorlan-tools gives a file its name when it is whole.
 
 REPORT = f"{RESULTS}/{{genome}}/{config['report']}"
+CUT_NAMES = "--cut-names" if config["cut_names"] else ""
 
 
 rule check:
@@ -37,6 +38,7 @@ rule convert:
     params:
         tools=config["vorlan_tools"],
         target=lambda wildcards: wildcards.ending.removesuffix(".gz"),
+        names=CUT_NAMES,
         index=lambda wildcards: "--sort --write-index" if wildcards.ending in ("bed.gz", "gff3.gz")
             else "--write-index" if wildcards.ending == "bam" else "",
     conda:
@@ -45,7 +47,7 @@ rule convert:
         mem_mb=step_memory,
         runtime=step_minutes,
     shell:
-        "{params.tools:q} convert -t {params.target} {params.index} -o {output} {input} 2>{log}"
+        "{params.tools:q} convert -t {params.target} {params.names} {params.index} -o {output} {input} 2>{log}"
 
 
 rule mask:
@@ -78,13 +80,14 @@ rule catalog:
         "logs/{genome}/catalog_{genotyper}.{ending}.log",
     params:
         tools=config["vorlan_tools"],
+        names=CUT_NAMES,
     conda:
         "../envs/shell.yaml"
     resources:
         mem_mb=step_memory,
         runtime=step_minutes,
     shell:
-        "{params.tools:q} catalog -t {wildcards.genotyper} -g {input.fasta} --rejected {output.rejected} "
+        "{params.tools:q} catalog -t {wildcards.genotyper} -g {input.fasta} {params.names} --rejected {output.rejected} "
         "-o {output.catalog} {input.report} 2>{log}"
 
 

@@ -11,21 +11,20 @@ def last_line(log):
     return next((line for line in reversed(lines) if line.strip()), "")
 
 
-def logs_of(genome):
-    return sorted(Path("logs", genome).glob("*.log"))
+def failures():
+    """Each log that ends with a message of ours, with whom it is about."""
+    for name, folder in [*((genome, Path("logs", genome)) for genome in FASTA), ("all genomes", Path("logs"))]:
+        for log in sorted(folder.glob("*.log")):
+            if last_line(log).startswith(OWN_MESSAGES):
+                yield name, log
 
 
 def tell_failures():
-    for genome in FASTA:
-        for log in logs_of(genome):
-            message = last_line(log)
-            if message.startswith(OWN_MESSAGES):
-                print(f"{genome} failed: {message}\n    see {log}", file=sys.stderr)
+    for name, log in failures():
+        print(f"{name} failed: {last_line(log)}\n    see {log}", file=sys.stderr)
 
 
 def forget_failures():
     """What an earlier run has said is not to be told again."""
-    for genome in FASTA:
-        for log in logs_of(genome):
-            if last_line(log).startswith(OWN_MESSAGES):
-                log.unlink()
+    for _, log in list(failures()):
+        log.unlink()

@@ -49,6 +49,7 @@ class OnThreeNodes(unittest.TestCase):
         print(f"{name}: {len(genomes)} genomes in {time.monotonic() - begin:.0f} s", flush=True)
         malformed = bench.malformed()
         self.assertEqual(status, 1 if malformed else 0, f"{said}\n{bench.logs()}")
+        self.assertEqual(said.count(" failed: "), len(malformed), said)
         for genome, line in malformed.items():
             self.assertRegex(said, f"{genome} failed: .*{re.escape(genome)}.*: {line}: ")
         self.assertEqual(bench.differing(), [])
