@@ -18,6 +18,8 @@ rule stats_of_all:
         tools=config["vorlan_tools"],
     conda:
         "../envs/shell.yaml"
+    resources:
+        mem_mb=memory_for_all,
     shell:
         "{params.script:q} {input.table:q} {params.results} {params.tools:q} stats --tsv {output} 2>{log}"
 
@@ -37,5 +39,7 @@ rule page:
         tools=config["vorlan_tools"],
     conda:
         "../envs/shell.yaml"
+    resources:
+        mem_mb=memory_for_all,
     shell:
         "{params.script:q} {input.table:q} {params.results} {params.tools:q} page -o {output} 2>{log}"

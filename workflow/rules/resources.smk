@@ -60,3 +60,8 @@ def step_memory(wildcards, attempt):
 
 def step_minutes(wildcards, attempt):
     return minutes(text_size(wildcards.genome), attempt)
+
+
+def memory_for_all(wildcards, attempt):
+    """The numbers of a genome are some 2 MB as text, and more in memory."""
+    return (config["memory_mb"] + 20 * len(FASTA)) * 2 ** (attempt - 1)

@@ -11,7 +11,7 @@ root=$(cd ../.. && pwd)
 export GENOMES="${GENOMES:-}" PYTHONDONTWRITEBYTECODE=1 \
   VORLAN_BINARY="$root/build/release/vorlan" VORLAN_TOOLS_BINARY="$root/build/tools/bin/vorlan-tools"
 
-for module in cut_genome table slurm failures; do
+for module in cut_genome table readme slurm failures; do
   echo "test_$module"
   /usr/bin/python3 -m unittest "test_$module"
 done
