@@ -106,6 +106,8 @@ class SlurmCluster:
                          f"RealMemory={self.memory_mb}")
         lines.append(f"PartitionName=main Nodes={','.join(self.nodes)} Default=YES State=UP")
         self.configuration.write_text("\n".join(lines) + "\n")
+        # Nothing here uses cgroups, but looking for their version would fail where none are mounted.
+        (self.folder / "cgroup.conf").write_text("CgroupPlugin=cgroup/v1\nCgroupAutomount=no\n")
 
     def start_munge(self) -> None:
         run = self.folder / "run"
