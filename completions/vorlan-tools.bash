@@ -5,26 +5,40 @@
 
 # A line for each subcommand: its options.
 declare -gA _vorlan_tools_options=(
+  [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
+    --vorlan --tsv --json -h --help'
   [catalog]='-t --to -g --genome -o --output -O --output-type --write-index --rejected --overlaps --min-gap --flank
     --max-period --max-length --trim-to-units --cut-names --unit-length --min-perfection --min-length --min-copies
     -h --help'
-  [calibrate]='-g --genome -k --word-length --copies --seed --window --per-sequence --mask-length -j --jobs
-    --vorlan --tsv --json -h --help'
   [check]='-g --genome --limit -h --help'
+  [compare]='--flank --all --vcf -o --output -h --help'
+  [consensus]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
+    --min-length --min-copies -h --help'
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names --calibration -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
+  [count]='-l --loci -g --genome -o --output --flank --max-length -h --help'
   [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
+  [monomers]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
+    --min-length --min-copies -h --help'
+  [page]='-g --genome --name --calibration -o --output -h --help'
   [resolve]='--strategy --max-gap -o --output -O --output-type --members --cut-names --unit-length --min-perfection
     --min-length --min-copies -h --help'
   [run]='-j --jobs --resume -q --quiet --vorlan --slice-size --reports --ending -h --help'
   [ssr]='--min --compound --min-perfection -o --output --units --sequences --compounds -h --help'
-  [page]='-g --genome --name --calibration -o --output -h --help'
   [stats]='-g --genome --name --tsv --json --multiqc -h --help'
 )
 # By subcommand and option: the values; empty where any number or text may stand. File names are completed for
 # options that are not listed.
 declare -gA _vorlan_tools_values=(
+  [calibrate -k]='1 2 3 4 5 6'
+  [calibrate --word-length]='1 2 3 4 5 6'
+  [calibrate --copies]=''
+  [calibrate --seed]=''
+  [calibrate --window]=''
+  [calibrate --mask-length]=''
+  [calibrate -j]=''
+  [calibrate --jobs]=''
   [catalog -t]='trgt hipstr gangstr eh longtr atarva straglr'
   [catalog --to]='trgt hipstr gangstr eh longtr atarva straglr'
   [catalog -O]='z u'
@@ -38,15 +52,15 @@ declare -gA _vorlan_tools_values=(
   [catalog --min-perfection]=''
   [catalog --min-length]=''
   [catalog --min-copies]=''
-  [calibrate -k]='1 2 3 4 5 6'
-  [calibrate --word-length]='1 2 3 4 5 6'
-  [calibrate --copies]=''
-  [calibrate --seed]=''
-  [calibrate --window]=''
-  [calibrate --mask-length]=''
-  [calibrate -j]=''
-  [calibrate --jobs]=''
   [check --limit]=''
+  [compare --flank]=''
+  [consensus -t]='fasta tsv'
+  [consensus --to]='fasta tsv'
+  [consensus --begin]=''
+  [consensus --unit-length]=''
+  [consensus --min-perfection]=''
+  [consensus --min-length]=''
+  [consensus --min-copies]=''
   [convert -t]='bed gff3 jsonl sam bam paf tsv'
   [convert --to]='bed gff3 jsonl sam bam paf tsv'
   [convert -O]='z u'
@@ -57,8 +71,18 @@ declare -gA _vorlan_tools_values=(
   [convert --min-perfection]=''
   [convert --min-length]=''
   [convert --min-copies]=''
+  [count --flank]=''
+  [count --max-length]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [monomers -t]='bed fasta'
+  [monomers --to]='bed fasta'
+  [monomers --begin]=''
+  [monomers --unit-length]=''
+  [monomers --min-perfection]=''
+  [monomers --min-length]=''
+  [monomers --min-copies]=''
+  [page --name]=''
   [resolve --strategy]='best union tile'
   [resolve --max-gap]=''
   [resolve -O]='z u'
@@ -67,7 +91,6 @@ declare -gA _vorlan_tools_values=(
   [resolve --min-perfection]=''
   [resolve --min-length]=''
   [resolve --min-copies]=''
-  [page --name]=''
   [run -j]=''
   [run --jobs]=''
   [run --slice-size]=''

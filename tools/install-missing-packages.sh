@@ -46,6 +46,7 @@ python3 python3' ;;
     test-tools) echo '/usr/include/gtest/gtest.h libgtest-dev
 python3 python3
 /usr/lib/python3/dist-packages/pysam python3-pysam
+bcftools bcftools
 bedtools bedtools
 samtools samtools
 tabix tabix

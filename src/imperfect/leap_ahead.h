@@ -41,13 +41,16 @@ class LeapAhead {
  public:
   /// `scoring` must outlive this.
   LeapAhead(const Scoring& scoring, const UnitSpan& unit, const char* stop)
-      : scoring_(scoring), unit_(unit), stop_(stop) {}
+      : scoring_(scoring),
+        unit_(unit),
+        stop_(stop),
+        longest_N_run_(scoring.longest_N_run == 0 ? 0 : kAnyNRun) {}
 
   /// The move that is valued most; on equal values mismatch before insertion before deletion. kNone
   /// when the threshold allows none. `score` is what the alignment has reached at `front`, where
   /// residue and unit base differ; `best` is the best score on the way there, and `level` the
   /// number of edits explored so far.
-  Choice best_move(const Front& front, std::int64_t score, std::uint8_t level,
+  Choice best_move(Front front, std::int64_t score, std::uint8_t level,
                    std::int64_t best) const {
     const std::int64_t threshold = scoring_.threshold(best, unit_.length());
     Choice choice{Move::kNone, -unit_.length() - 1};
@@ -66,10 +69,8 @@ class LeapAhead {
   /// The highest score on any way from `front`, which an edit has led to: the value of that edit.
   std::int64_t explore(Front front, std::int64_t score, std::uint8_t level,
                        std::int64_t best) const {
-    // An N run of any length is walked through, also one that would stop the extension. Deliberate.
-    const std::ptrdiff_t longest_N_run = scoring_.longest_N_run == 0 ? 0 : kAnyNRun;
     Steps steps;
-    const WalkEnd end = walk<Direction>(front, unit_, stop_, longest_N_run, steps);
+    const WalkEnd end = walk<Direction>(front, unit_, stop_, longest_N_run_, steps);
     score += steps.matches;
     if (level == scoring_.maximum_recursion_depth || end == WalkEnd::kStop) return score;
     return std::max(score, best_move(front, score, level, std::max(best, score)).value);
@@ -78,7 +79,7 @@ class LeapAhead {
  private:
   // Levels wrap at 8 bits: a depth above 255 is never met.
   template <Move move>
-  std::int64_t value_of(const Front& front, std::int64_t score, std::uint8_t level,
+  std::int64_t value_of(Front front, std::int64_t score, std::uint8_t level,
                         std::int64_t best) const {
     return explore(after<Direction>(move, front, unit_), score + score_of(move, scoring_),
                    static_cast<std::uint8_t>(level + 1), best);
@@ -87,6 +88,8 @@ class LeapAhead {
   const Scoring& scoring_;
   UnitSpan unit_;
   const char* stop_;
+  /// An N run of any length is walked through, also one that would stop the extension. Deliberate.
+  std::ptrdiff_t longest_N_run_;
 };
 
 }  // namespace vorlan

@@ -42,19 +42,16 @@ void step(Front& front, const UnitSpan& unit) {
   front.cursor = Direction::next_unit_base(front.cursor, unit);
 }
 
-/// Bridges the whole N run ahead and returns its length, or nothing if it is longer than `longest`:
-/// then returns 0. Apart from the walk, which should be small where there is no N.
+/// The length of the N run at `place`, or 0 if it is longer than `longest`. Apart from the walk,
+/// which should be small where there is no N.
 template <class Direction>
-[[gnu::noinline]] std::uint32_t bridge_N_run(Front& front, const UnitSpan& unit, const char* stop,
-                                             std::ptrdiff_t longest) {
-  Front behind = front;
-  for (std::ptrdiff_t length = 0;; ++length) {
-    if (behind.place == stop || *Direction::residue(behind.place) != 'N') {
-      front = behind;
+[[gnu::noinline]] std::uint32_t bridged_Ns(const char* place, const char* stop,
+                                           std::ptrdiff_t longest) {
+  for (std::ptrdiff_t length = 0;; ++length, place = Direction::moved(place, 1)) {
+    if (place == stop || *Direction::residue(place) != 'N') {
       return static_cast<std::uint32_t>(length);
     }
     if (length == longest) return 0;
-    step<Direction>(behind, unit);
   }
 }
 
@@ -73,8 +70,9 @@ inline WalkEnd walk(Front& front, const UnitSpan& unit, const char* stop,
       continue;
     }
     if (residue != 'N' || longest_N_run == 0) return WalkEnd::kDifference;
-    const std::uint32_t run = bridge_N_run<Direction>(front, unit, stop, longest_N_run);
+    const std::uint32_t run = bridged_Ns<Direction>(front.place, stop, longest_N_run);
     if (run == 0) return WalkEnd::kLongNRun;
+    for (std::uint32_t i = 0; i < run; ++i) step<Direction>(front, unit);
     steps.Ns += run;
   }
 }

@@ -187,7 +187,8 @@ Lanes step_row(const Automaton& automaton, int j, int edits, const Leaving& abov
 // Halves of numbers that may be negative, rounded up.
 int half_up(int number) { return (number + 1) >> 1; }
 
-// Adds the starts whose bound reaches each gain, after `consumed` residues.
+// Adds the starts whose bound reaches each gain, after `consumed` residues. A path that reaches more
+// had this gain before, since a residue gains one point at most.
 void add_gains(const Automaton& automaton, int consumed, int lowest_row, int highest_row,
                int max_gain, Lanes* gains) {
   const int penalty = automaton.plan.penalty;
@@ -245,7 +246,6 @@ void follow_paths(const Automaton& automaton, bool forward, int first_score, int
     if (left <= plan.few_enough_to_stop || idle_checks > plan.checks_without_loss) break;
     left_before = left;
   }
-  for (int gain = max_gain; gain > 0; --gain) gains[gain - 1] |= gains[gain];
 }
 
 // Clears the hopeless starts among `candidates`; the planes are there as seen from each.

@@ -49,6 +49,9 @@ bool is_white_space(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 FastaReader::FastaReader(const std::string& name)
     : name_(shown_input_name(name)), file_(open_input(name)), buffer_(kBufferSize) {}
 
+FastaReader::FastaReader(int descriptor, const std::string& name)
+    : name_(name), file_(open_input(descriptor, name)), buffer_(kBufferSize) {}
+
 FastaReader::~FastaReader() { bgzf_close(file_); }
 
 void FastaReader::fail(const std::string& what) const { throw LineError(name_, line_, what); }

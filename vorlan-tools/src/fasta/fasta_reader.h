@@ -23,6 +23,9 @@ class FastaReader {
  public:
   /// Opens `name` ("-": standard input); throws DataError.
   explicit FastaReader(const std::string& name);
+
+  /// Reads from `descriptor`, which this object closes; `name` is for messages.
+  FastaReader(int descriptor, const std::string& name);
   ~FastaReader();
   FastaReader(const FastaReader&) = delete;
   FastaReader& operator=(const FastaReader&) = delete;

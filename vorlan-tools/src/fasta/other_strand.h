@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vorlan_tools {
+
+/// The other strand of bases as FastaReader delivers them; what is no A, C, G or T stays.
+std::string other_strand(std::string_view bases);
+
+}  // namespace vorlan_tools

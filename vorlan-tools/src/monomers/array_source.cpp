@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#include "monomers/array_source.h"
+
+#include <charconv>
+#include <string_view>
+#include <vector>
+
+#include "convert/motif.h"
+#include "errors.h"
+
+namespace vorlan_tools {
+
+namespace {
+
+constexpr std::string_view kFirstLineOfReport = "# Results computed with:";
+constexpr std::size_t kColumns = 4;
+constexpr std::int64_t kThousand = 1000;
+
+bool is_number(std::string_view text, std::int64_t& number) {
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  return result.ec == std::errc() && result.ptr == text.data() + text.size() && number >= 0;
+}
+
+/// The first four columns, or fewer.
+std::vector<std::string_view> columns_of(std::string_view line) {
+  std::vector<std::string_view> columns;
+  while (columns.size() < kColumns) {
+    const std::size_t tab = line.find('\t');
+    columns.push_back(line.substr(0, tab));
+    if (tab == std::string_view::npos) break;
+    line.remove_prefix(tab + 1);
+  }
+  return columns;
+}
+
+bool is_passed_over(std::string_view line) {
+  const auto begins = [line](std::string_view word) { return line.substr(0, word.size()) == word; };
+  return line.empty() || line.front() == '#' || begins("track") || begins("browser");
+}
+
+bool is_unit(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("ACGT") == std::string_view::npos;
+}
+
+}  // namespace
+
+ArraySource::ArraySource(const std::string& name, const RepeatFilter& filter)
+    : input_(name), filter_(filter) {
+  std::string_view line;
+  auto bed = std::make_unique<LineReader>(input_.open_again(), input_.name());
+  if (bed->peek(line) && line != kFirstLineOfReport) {
+    bed_ = std::move(bed);
+    return;
+  }
+  bed.reset();
+  report_ = std::make_unique<ReportReader>(input_.open_again(), input_.name());
+}
+
+bool ArraySource::next(Array& array) { return bed_ ? next_of_bed(array) : next_of_report(array); }
+
+bool ArraySource::next_of_report(Array& array) {
+  for (;;) {
+    const ReportReader::Item item = report_->next();
+    if (item == ReportReader::Item::kEnd) return false;
+    if (item == ReportReader::Item::kSequence) {
+      array.sequence = report_->sequence().name;
+      continue;
+    }
+    const Repeat& repeat = report_->repeat();
+    if (!filter_.keeps(repeat)) continue;
+    find_motif(repeat, array.unit);
+    if (array.unit.empty()) array.unit = repeat.unit;
+    array.start = repeat.start - 1;
+    array.end = repeat.end;
+    array.line = repeat.line;
+    if (is_unit(array.unit)) return true;
+    throw LineError(input_.name(), repeat.line, "the repeat shows no unit.");
+  }
+}
+
+bool ArraySource::next_of_bed(Array& array) {
+  for (std::string_view line; bed_->next(line);) {
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (is_passed_over(line)) continue;
+    const std::vector<std::string_view> columns = columns_of(line);
+    const bool fits = columns.size() == kColumns && is_number(columns[1], array.start) &&
+                      is_number(columns[2], array.end) && array.start < array.end &&
+                      is_unit(columns[3]);
+    if (!fits) {
+      throw LineError(input_.name(), bed_->line_number(),
+                      "an array has the columns sequence, start, end and unit (A, C, G, T).");
+    }
+    array.sequence = columns[0];
+    array.unit = columns[3];
+    array.line = bed_->line_number();
+    Repeat repeat;
+    repeat.unit_length = static_cast<std::int64_t>(array.unit.size());
+    repeat.bases = array.end - array.start;
+    repeat.copies = repeat.bases * kThousand / repeat.unit_length;
+    repeat.perfection = INT64_MAX;
+    if (filter_.keeps(repeat)) return true;
+  }
+  return false;
+}
+
+}  // namespace vorlan_tools
