@@ -19,6 +19,8 @@
 #   make test-portable       the same without wider vector instructions
 #   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
 #   make test-tools          run its tests
+#   make test-slurm          run the workflow for many genomes on a Slurm of its own with three nodes;
+#                            GENOMES=folder runs it over these, too
 #   make test-browser        look at the page of vorlan-tools with chromium, and at its numbers with MultiQC
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
 #   make fuzz-tools          the same for the report reader of vorlan-tools
@@ -38,6 +40,7 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 DATA ?=
 SECTION ?=
+GENOMES ?=
 QUICK ?=
 BUILD_DIR ?= build/release
 INSTALLED ?= build/installed-files
@@ -51,8 +54,8 @@ configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
 .PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable test-tools test-browser fuzz fuzz-tools coverage mutants bench figures lint lint-tools deb clean \
-  help
+  test-portable test-tools test-browser test-slurm fuzz fuzz-tools coverage mutants bench figures lint lint-tools \
+  deb clean help
 
 build:
 	$(need) build
@@ -135,6 +138,11 @@ test-browser:
 	$(call configure,tools,ON)
 	@cmake --build --preset tools --target vorlan vorlan-tools >&2
 	@ctest --preset tools-browser
+
+# Snakemake is that of Debian, and so is its Python.
+test-slurm: build tools
+	$(need) slurm
+	@workflow/tests/run_tests.sh "$(GENOMES)"
 
 fuzz:
 	$(need) build test clang

@@ -55,6 +55,12 @@ jq jq
 PicardCommandLine picard-tools
 groff groff-base
 zsh zsh' ;;
+    slurm) echo '/usr/sbin/slurmctld slurmctld
+/usr/sbin/slurmd slurmd
+sbatch slurm-client
+/usr/sbin/munged munge
+snakemake snakemake
+python3 python3' ;;
     test-browser) echo '/usr/include/gtest/gtest.h libgtest-dev
 python3 python3
 chromium chromium
