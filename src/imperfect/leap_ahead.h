@@ -50,8 +50,7 @@ class LeapAhead {
   /// when the threshold allows none. `score` is what the alignment has reached at `front`, where
   /// residue and unit base differ; `best` is the best score on the way there, and `level` the
   /// number of edits explored so far.
-  Choice best_move(Front front, std::int64_t score, std::uint8_t level,
-                   std::int64_t best) const {
+  Choice best_move(Front front, std::int64_t score, std::uint8_t level, std::int64_t best) const {
     const std::int64_t threshold = scoring_.threshold(best, unit_.length());
     Choice choice{Move::kNone, -unit_.length() - 1};
     if (threshold < score + scoring_.mismatch_score) {

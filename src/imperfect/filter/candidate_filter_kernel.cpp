@@ -187,8 +187,8 @@ Lanes step_row(const Automaton& automaton, int j, int edits, const Leaving& abov
 // Halves of numbers that may be negative, rounded up.
 int half_up(int number) { return (number + 1) >> 1; }
 
-// Adds the starts whose bound reaches each gain, after `consumed` residues. A path that reaches more
-// had this gain before, since a residue gains one point at most.
+// Adds the starts whose bound reaches each gain, after `consumed` residues. A path that reaches
+// more had this gain before, since a residue gains one point at most.
 void add_gains(const Automaton& automaton, int consumed, int lowest_row, int highest_row,
                int max_gain, Lanes* gains) {
   const int penalty = automaton.plan.penalty;

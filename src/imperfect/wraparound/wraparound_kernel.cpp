@@ -269,7 +269,7 @@ class Batch {
     }
   }
 
-  // Drops the paths of starts that have enough.
+  // Drops the paths of groups that have enough.
   void drop_decided() {
     const Lanes decided = reinterpret_cast<Lanes>(best_ >= enough_);
     if (!has_any(decided & ~dropped_)) return;
@@ -331,10 +331,10 @@ class Batch {
 
   Costs costs_;
   Lanes enough_;
-  Lanes turns_{};  ///< How many bases the last start of the group lies behind the first.
-  std::ptrdiff_t most_turns_ = 0;
   Lanes best_{};     ///< Above the floor, so far.
-  Lanes dropped_{};  ///< All bits of the starts whose paths are no longer followed.
+  Lanes dropped_{};  ///< All bits of the groups whose paths are no longer followed.
+  Lanes turns_{};    ///< How many bases the last start of the group lies behind the first.
+  std::ptrdiff_t most_turns_ = 0;
   const WraparoundPlan& plan_;
   Lanes* cells_;
   Lanes* unit_;
