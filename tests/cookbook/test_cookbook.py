@@ -263,6 +263,17 @@ class Cookbook(unittest.TestCase):
             record, begin, end = re.fullmatch(r"(.*):(\d+)-(\d+)", name).groups()
             self.assertEqual(bases, re.sub("[^ACGT]", "N", self.genome[record][int(begin) - 1:int(end)].upper()))
 
+    @judges("A satellite of unknown length")
+    def test_the_length_is_the_offset_at_which_the_satellite_resembles_itself_most(self) -> None:
+        bases = sequences(ROOT / "examples" / "excerpts" / "satellite.fa")["satellite"]
+
+        def resemblance(offset: int) -> float:
+            pairs = list(zip(bases, bases[offset:]))
+            return sum(left == right for left, right in pairs) / len(pairs)
+
+        found = [line.split("\t")[1] for line in self.lines("satellites.report") if line.startswith("satellite\t")]
+        self.assertEqual(found, [str(max(range(1, 401), key=resemblance))])
+
     @judges("Many genomes")
     def test_each_genome_has_its_report_and_a_failed_run_is_named(self) -> None:
         reports = sorted((self.folder / "genomes").glob("*.txt"))

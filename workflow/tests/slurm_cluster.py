@@ -85,7 +85,7 @@ class SlurmCluster:
         user = pwd.getpwuid(os.getuid()).pw_name
         controller, *ports = free_ports(1 + len(self.nodes))
         lines = [
-            "ClusterName=trial", f"SlurmctldHost={host}(127.0.0.1)", f"SlurmctldPort={controller}",
+            "ClusterName=vorlan", f"SlurmctldHost={host}(127.0.0.1)", f"SlurmctldPort={controller}",
             f"SlurmUser={user}", f"SlurmdUser={user}", "AuthType=auth/munge", "CredType=cred/munge",
             # A requeued job may begin again after so many seconds.
             f"AuthInfo=socket={self.folder}/run/munge.sock,cred_expire=5",

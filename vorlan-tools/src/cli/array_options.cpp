@@ -4,12 +4,22 @@
 #include "cli/array_options.h"
 
 #include <CLI/CLI.hpp>
+#include <memory>
 
+#include "cli/exit_status.h"
+#include "cli/filter_options.h"
 #include "errors.h"
 
 namespace vorlan_tools {
+namespace {
 
-void add_array_options(CLI::App& command, ArrayOptions& options) {
+struct ArrayOptions {
+  ArrayRequest request;
+  FilterOptions filter;
+  std::string form;
+};
+
+void add_options(CLI::App& command, ArrayOptions& options, const ArrayForms& forms) {
   ArrayRequest& request = options.request;
   command
       .add_option("report", request.arrays,
@@ -21,33 +31,34 @@ void add_array_options(CLI::App& command, ArrayOptions& options) {
                      "File to write; - is standard output (default)");
   command.add_option("--begin", request.begin,
                      "Bases with which a copy begins (default: as the array does)");
-  command.add_option("--unit-length", options.unit_lengths,
-                     "Only units of this length or range, such as 100-200 or 7-");
-  command
-      .add_option("--min-perfection", options.min_perfection,
-                  "Only repeats of at least this perfection in %")
-      ->check(CLI::Range(0.0, 100.0));
-  command
-      .add_option("--min-length", request.filter.min_length,
-                  "Only repeats of at least so many bases in the sequence")
-      ->check(CLI::NonNegativeNumber);
-  command
-      .add_option("--min-copies", options.min_copies,
-                  "Only repeats of at least so many copies of the unit")
-      ->check(CLI::NonNegativeNumber);
+  command.add_option("-t,--to", options.form, "Target (default " + options.form + ")")
+      ->check(CLI::IsMember(forms));
+  add_filter_options(command, options.filter);
 }
 
-ArrayRequest request_of(const ArrayOptions& options) {
+ArrayRequest request_of(const ArrayOptions& options, const ArrayForms& forms) {
   ArrayRequest request = options.request;
   if (request.begin.find_first_not_of("ACGT") != std::string::npos) {
     throw UsageError("--begin takes bases (A, C, G, T), not \"" + request.begin + "\".");
   }
-  if (!options.unit_lengths.empty()) set_unit_lengths(request.filter, options.unit_lengths);
-  if (options.min_perfection > 0) {
-    request.filter.min_perfection = to_thousandths(options.min_perfection, "--min-perfection");
-  }
-  request.filter.min_copies = to_thousandths(options.min_copies, "--min-copies");
+  request.filter = filter_of(options.filter);
+  request.form = forms.at(options.form);
   return request;
+}
+
+}  // namespace
+
+void add_array_subcommand(CLI::App& command, const ArrayForms& forms, const std::string& standard,
+                          Action& action) {
+  const auto options = std::make_shared<ArrayOptions>();
+  options->form = standard;
+  add_options(command, *options, forms);
+  command.callback([&action, options, forms] {
+    action = [options, forms] {
+      dissect_arrays(request_of(*options, forms));
+      return kSuccess;
+    };
+  });
 }
 
 }  // namespace vorlan_tools

@@ -4,25 +4,21 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <map>
 #include <string>
 
+#include "cli/subcommands.h"
 #include "monomers/dissect_arrays.h"
 
 namespace vorlan_tools {
 
-/// What the command lines of `monomers` and `consensus` say.
-struct ArrayOptions {
-  ArrayRequest request;
-  std::string form;
-  std::string unit_lengths;
-  double min_perfection = 0;
-  double min_copies = 0;
-};
+/// The targets of a subcommand, by the name that the command line gives them.
+using ArrayForms = std::map<std::string, ArrayRequest::Form>;
 
-/// Adds what both take: the arrays, the genome, the output, the phase and which repeats.
-void add_array_options(CLI::App& command, ArrayOptions& options);
-
-/// The request with everything but its form set. Throws UsageError.
-ArrayRequest request_of(const ArrayOptions& options);
+/// Adds a subcommand that takes arrays apart: with the arrays, the genome, the output, the phase
+/// and which repeats, and `forms` as targets, of which `standard` is the one when none is named.
+/// Sets `action` when it is called.
+void add_array_subcommand(CLI::App& command, const ArrayForms& forms, const std::string& standard,
+                          Action& action);
 
 }  // namespace vorlan_tools
