@@ -147,10 +147,11 @@ class Batch {
 
   // A bit for each letter: residues match when they share one.
   static Narrow bits_of(Narrow residues) {
+    constexpr unsigned char kLetters[] = {'A', 'C', 'G', 'T', 'N'};
+    constexpr unsigned char kBits[] = {1, 2, 4, 8, kN};
     Narrow bits{};
     for (int i = 0; i < 5; ++i) {
-      bits |= reinterpret_cast<Narrow>(residues == static_cast<unsigned char>("ACGTN"[i])) &
-              static_cast<unsigned char>(1 << i);
+      bits |= reinterpret_cast<Narrow>(residues == kLetters[i]) & (Narrow{} + kBits[i]);
     }
     return bits;
   }
