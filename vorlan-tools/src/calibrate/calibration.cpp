@@ -62,22 +62,22 @@ void set_shares(std::vector<ScoreShare>& scores, double copies) {
     }
   }
   std::size_t end = scores.size();
-  for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) {
-    for (std::size_t i = block->begin; i < end; ++i) {
-      scores[i].share = quotient(block->chance, block->found);
+  std::for_each(blocks.rbegin(), blocks.rend(), [&](const auto& block) {
+    for (std::size_t i = block.begin; i < end; ++i) {
+      scores[i].share = quotient(block.chance, block.found);
     }
-    end = block->begin;
-  }
+    end = block.begin;
+  });
 }
 
 void set_shares_from(std::vector<ScoreShare>& scores, double copies) {
   double chance = 0;
   double found = 0;
-  for (auto score = scores.rbegin(); score != scores.rend(); ++score) {
-    chance += static_cast<double>(score->count.chance) / copies;
-    found += static_cast<double>(score->count.found);
-    score->share_from = quotient(chance, found);
-  }
+  std::for_each(scores.rbegin(), scores.rend(), [&](ScoreShare& score) {
+    chance += static_cast<double>(score.count.chance) / copies;
+    found += static_cast<double>(score.count.found);
+    score.share_from = quotient(chance, found);
+  });
   double least = 1;
   for (ScoreShare& score : scores) score.share_from = least = std::min(least, score.share_from);
 }
@@ -131,7 +131,8 @@ ThresholdLine best_line(const Calibration& calibration, std::size_t level) {
   if (calibration.by_unit_length.empty()) return best;
   best.kept = -1;
   for (int step = 0; step <= 2 * kSlopeSteps; ++step) {
-    const double size = kSlopeStep * ((step + 1) / 2);
+    const int steps_away = (step + 1) / 2;
+    const double size = kSlopeStep * steps_away;
     const double slope = step % 2 == 0 && step > 0 ? -size : size;
     const auto consider = [&](std::int64_t constant) {
       const ThresholdLine line =
