@@ -11,7 +11,7 @@
 #include "catalog/catalog.h"
 #include "cli/exit_status.h"
 #include "cli/filter_options.h"
-#include "io/compression_by_name.h"
+#include "cli/output_options.h"
 
 namespace vorlan_tools {
 
@@ -35,7 +35,7 @@ const std::map<std::string, Genotyper> kGenotypers = {
 const std::map<std::string, OverlapPolicy> kPolicies = {
     {"best", OverlapPolicy::kBest}, {"all", OverlapPolicy::kAll}, {"drop", OverlapPolicy::kDrop}};
 
-void add_output_options(CLI::App& command, CatalogOptions& options) {
+void add_catalog_options(CLI::App& command, CatalogOptions& options) {
   CatalogRequest& request = options.request;
   command
       .add_option("-t,--to", options.target,
@@ -45,12 +45,7 @@ void add_output_options(CLI::App& command, CatalogOptions& options) {
       ->check(CLI::IsMember(kGenotypers));
   command.add_option("-g,--genome", request.fasta, "FASTA file that the report was made from")
       ->required();
-  command.add_option("-o,--output", request.output,
-                     "File to write; - is standard output (default)");
-  command
-      .add_option("-O,--output-type", options.output_type,
-                  "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
-      ->check(CLI::IsMember({"z", "u"}));
+  add_output_options(command, request.output, options.output_type);
   command.add_flag("--write-index", request.write_index,
                    "Write the tabix index of a compressed table beside the output");
   command.add_option("--rejected", request.rejected,
@@ -89,10 +84,7 @@ int run_catalog(const CatalogOptions& options) {
   request.genotyper = kGenotypers.at(options.target);
   request.overlaps = kPolicies.at(options.overlaps);
   request.filter = filter_of(options.filter);
-  const std::string& type = options.output_type;
-  request.compression = type.empty()  ? compression_by_name(request.output)
-                        : type == "z" ? Compression::kBgzip
-                                      : Compression::kPlain;
+  request.compression = compression_of(request.output, options.output_type);
   make_catalog(request);
   return kSuccess;
 }
@@ -105,7 +97,7 @@ void add_catalog(CLI::App& app, Action& action) {
       app.add_subcommand("catalog", "Write the repeats of a report as loci for a genotyper");
   command->add_option("report", options->request.report, "Report to read; - is standard input")
       ->required();
-  add_output_options(*command, *options);
+  add_catalog_options(*command, *options);
   add_locus_options(*command, *options);
   add_filter_options(*command, options->filter);
   command->callback([&action, options] { action = [options] { return run_catalog(*options); }; });

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "cli/exit_status.h"
-#include "io/compression_by_name.h"
+#include "cli/output_options.h"
 #include "mask/mask_genome.h"
 
 namespace vorlan_tools {
@@ -26,23 +26,15 @@ void add_mask(CLI::App& app, Action& action) {
       ->required();
   command->add_option("-g,--genome", masking.fasta, "FASTA file that the report was made from")
       ->required();
-  command->add_option("-o,--output", masking.output,
-                      "File to write; - is standard output (default)");
-  command
-      ->add_option("-O,--output-type", choices->output_type,
-                   "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
-      ->check(CLI::IsMember({"z", "u"}));
+  add_output_options(*command, masking.output, choices->output_type);
   command->add_flag("--hard", masking.style.is_hard, "Write N instead of lower case");
   command->add_flag("--keep-lower-case", masking.style.keeps_lower_case,
                     "Leave what was lower case before (default: upper case but for repeats)");
   command->add_flag("--write-index", masking.write_index,
                     "Write OUTPUT.fai, and OUTPUT.gzi if compressed");
   command->callback([&action, choices] {
-    const std::string& type = choices->output_type;
     Masking& chosen = choices->masking;
-    chosen.compression = type.empty()  ? compression_by_name(chosen.output)
-                         : type == "z" ? Compression::kBgzip
-                                       : Compression::kPlain;
+    chosen.compression = compression_of(chosen.output, choices->output_type);
     action = [choices] {
       mask_genome(choices->masking);
       return kSuccess;

@@ -10,7 +10,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/filter_options.h"
-#include "io/compression_by_name.h"
+#include "cli/output_options.h"
 #include "resolve/resolve_report.h"
 
 namespace vorlan_tools {
@@ -39,12 +39,7 @@ void add_options(CLI::App& command, ResolveOptions& options) {
       .add_option("--max-gap", request.max_gap,
                   "With union, also merge what lies at most so many bases apart")
       ->check(CLI::Range(0, 1000000000));
-  command.add_option("-o,--output", request.output,
-                     "File to write; - is standard output (default)");
-  command
-      .add_option("-O,--output-type", options.output_type,
-                  "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
-      ->check(CLI::IsMember({"z", "u"}));
+  add_output_options(command, request.output, options.output_type);
   command.add_option("--members", request.members, "Table of what became of each repeat");
   command.add_flag("--cut-names", request.cut_names,
                    "End the names of sequences at their first tab, as samtools faidx does");
@@ -55,10 +50,7 @@ int run_resolve(const ResolveOptions& options) {
   ResolveRequest request = options.request;
   request.strategy = kStrategies.at(options.strategy);
   request.filter = filter_of(options.filter);
-  const std::string& type = options.output_type;
-  request.compression = type.empty()  ? compression_by_name(request.output)
-                        : type == "z" ? Compression::kBgzip
-                                      : Compression::kPlain;
+  request.compression = compression_of(request.output, options.output_type);
   resolve_report(request);
   return kSuccess;
 }

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: the Vorlan authors
+
+#pragma once
+
+#include <CLI/App.hpp>
+#include <string>
+
+#include "io/output_file.h"
+
+namespace vorlan_tools {
+
+/// Adds -o and -O. Both strings must live as long as `command`; `type` becomes z, u, or stays empty
+/// if -O is not given.
+void add_output_options(CLI::App& command, std::string& output, std::string& type);
+
+/// -O decides; without it, a name that ends in .gz asks for compression.
+Compression compression_of(const std::string& output, const std::string& type);
+
+}  // namespace vorlan_tools
