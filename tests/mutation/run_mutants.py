@@ -7,8 +7,10 @@
 
 The faults stand in mutants.toml. Each is planted in a copy of the tree under build/mutants/, which is
 built again as far as needed; then the tests that `make test` runs are run up to the first red one,
-quick layers first. A run takes long, so faults that were caught in the same source are remembered
-in build/mutants/caught.json: an interrupted run goes on where it ended. Prints, and with --write
+quick layers first, but before them the layer that caught the fault last time. A run takes long, so
+what was caught is remembered in build/mutants/caught.json: an interrupted run goes on where it
+ended, and a later one tries again only the faults in files that have changed since. The other
+files may have changed, so the table says at which commits the faults were tried. Prints, and with --write
 stores, a table: which test of which layer caught each, and how long it took from the fault to the
 red test, building included. Every source file must have a fault, unless mutants.toml says that it
 holds no code. Status 1 if a fault survives without a stated reason, or is caught although there
@@ -32,6 +34,7 @@ import subprocess
 import sys
 import time
 import tomllib
+from collections import Counter
 from collections.abc import Mapping, Sequence
 from dataclasses import asdict, dataclass
 from pathlib import Path
@@ -129,11 +132,13 @@ class Mutant:
 
 @dataclass(frozen=True)
 class Catch:
-    """A fault that was noticed: the test that was red, its layer (a folder of tests), and how long that took."""
+    """A fault that was noticed: the test that was red, its layer (a folder of tests), how long that took, and when."""
 
     test: str
     layer: str
     seconds: int
+    file_digest: str  # of the file where the fault was planted
+    commit: str
 
 
 # A fault, and how it was noticed, if it was.
@@ -217,12 +222,12 @@ def build(targets: Sequence[str]) -> subprocess.CompletedProcess[str]:
     return subprocess.run(command, capture_output=True, text=True, check=False)
 
 
-def catcher() -> tuple[str, str] | None:
-    """A test that notices what is planted in the copy, and its layer, or None."""
+def catcher(first_layer: str = "") -> tuple[str, str] | None:
+    """A test that notices what is planted in the copy, and its layer, or None; `first_layer` is tried first."""
     compiled = build(["vorlan"])
     if compiled.returncode != 0:
         raise ListError(f"the program cannot be compiled:\n{compiled.stdout[-2000:]}")
-    for stage in stages():
+    for stage in sorted(stages(), key=lambda stage: stage.folder != first_layer):
         # After linking, test programs are asked for their tests: one that cannot answer is red.
         if build(stage.targets).returncode != 0:
             return "the tests cannot be listed", stage.folder
@@ -232,14 +237,15 @@ def catcher() -> tuple[str, str] | None:
     return None
 
 
-def try_mutant(mutant: Mutant) -> Catch | None:
+def try_mutant(mutant: Mutant, first_layer: str) -> Catch | None:
     path = TREE / mutant.file
     text = path.read_text()
     path.write_text(mutant.mutated(text))
     planted_at = time.monotonic()
     try:
-        red = catcher()
-        return red and Catch(*red, round(time.monotonic() - planted_at))
+        red = catcher(first_layer)
+        seconds = round(time.monotonic() - planted_at)
+        return red and Catch(*red, seconds, digest_of_text(text), commit())
     except ListError as problem:
         raise ListError(f"{mutant.file}: {mutant.name}: {problem}") from problem
     finally:
@@ -283,11 +289,20 @@ def summary(results: Sequence[Result]) -> str:
             f"{len(results) - caught - equivalent} survived")
 
 
+def commit() -> str:
+    return output_of("git", "describe", "--always", "--dirty", "--abbrev=10").strip()
+
+
+def times_tried(results: Sequence[Result]) -> str:
+    """At which commits the faults were tried; what was not caught is tried in every run."""
+    tried = Counter(catch.commit if catch else commit() for _, catch in results)
+    return ", ".join(f"{count} at commit {name}" for name, count in tried.items())
+
+
 def document(results: Sequence[Result]) -> str:
-    commit = output_of("git", "describe", "--always", "--dirty", "--abbrev=10").strip()
     compiler = output_of("c++", "--version").splitlines()[0]
-    return (f"# Planted faults\n\n{summary(results)}.\n\n{datetime.date.today()}, commit {commit}, {compiler}, -O1; "
-            f"written by `make mutants`.\n\n{layers(results)}\n{table(results)}")
+    return (f"# Planted faults\n\n{summary(results)}.\n\n{datetime.date.today()}, {compiler}, -O1; tried: "
+            f"{times_tried(results)}.\nWritten by `make mutants`.\n\n{layers(results)}\n{table(results)}")
 
 
 def digest_of(root: Path) -> str:
@@ -307,15 +322,17 @@ def require_green_tests() -> None:
     GREEN.write_text(digest)
 
 
-def key_of(mutant: Mutant, source: str) -> str:
-    """The same for the same fault in the same source, of which `source` is the digest."""
-    return hashlib.sha256(repr((mutant.file, mutant.original, mutant.replacement, source)).encode()).hexdigest()
+def digest_of_text(text: str) -> str:
+    return hashlib.sha256(text.encode()).hexdigest()
+
+
+def key_of(mutant: Mutant) -> str:
+    return digest_of_text(repr((mutant.file, mutant.original, mutant.replacement)))
 
 
 def read_caught() -> dict[str, Catch]:
     content = json.loads(CAUGHT.read_text()) if CAUGHT.exists() else {}
-    # What was remembered before layers and times were is forgotten.
-    return {key: Catch(**entry) for key, entry in content.items() if isinstance(entry, dict)}
+    return {key: Catch(**entry) for key, entry in content.items()}
 
 
 def write_caught(caught: Mapping[str, Catch]) -> None:
@@ -327,11 +344,12 @@ def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
     copy_tree()
     subprocess.run(CONFIGURE, check=True, stdout=subprocess.DEVNULL)
     require_green_tests()
-    source = digest_of(TREE / "src")
     results = []
     for mutant in mutants:
-        key = key_of(mutant, source)
-        catch = caught.get(key) or try_mutant(mutant)
+        key = key_of(mutant)
+        catch = caught.get(key)
+        if catch is None or catch.file_digest != digest_of_text((TREE / mutant.file).read_text()):
+            catch = try_mutant(mutant, catch.layer if catch else "")
         if catch is not None:
             caught[key] = catch
             write_caught(caught)
