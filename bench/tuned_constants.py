@@ -92,5 +92,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kMoreEdits", LOOK_AHEAD + "bit_look_ahead.h", ("1", "6"), extended),
         Constant("kWords", LOOK_AHEAD + "mismatch_masks.h", ("2", "8"), (array, deep)),
         Constant("kWorthStoring", "src/imperfect/ways/stored_ways.h", ("0", "30"), (*extended, extended_array)),
+        Constant("kWorthStoringLongUnit", "src/imperfect/ways/stored_ways.h", ("1", "16"),
+                 (middle_units_human, long_units_human)),
         Constant("kMostNotedEdits", "src/imperfect/record_search.cpp", ("16", "256"), (array, at_rich)),
     ]

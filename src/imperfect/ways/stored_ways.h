@@ -48,7 +48,8 @@ class StoredWays {
   /// look-ahead may try, at any level, comes down to the floor.
   static std::int64_t lowest_score(std::ptrdiff_t unit_length, const Scoring& scoring) {
     const std::int64_t most_to_lose = -scoring.dearest_edit() * scoring.maximum_recursion_depth;
-    return std::max(scoring.floor(unit_length) + 1 + most_to_lose, kWorthStoring);
+    return std::max({scoring.floor(unit_length) + 1 + most_to_lose, kWorthStoring,
+                     kWorthStoringLongUnit * (unit_length - kLongUnit)});
   }
 
   /// Whether there are so many ways, about 120 MB, that they are better forgotten.
@@ -97,6 +98,12 @@ class StoredWays {
   /// Extensions that never get this far are over soon, whatever the floor; storing their ways would
   /// cost more than it saves. Chosen by the bench, table "Tuning".
   static constexpr std::int64_t kWorthStoring = 10;
+
+  /// Nearly every start of a long unit has a unit of its own, since neighbouring copies differ
+  /// somewhere. Its ways help no other extension before they have gone over several copies: their
+  /// starts are those that do. Chosen by the bench, table "Tuning".
+  static constexpr std::int64_t kLongUnit = 16;
+  static constexpr std::int64_t kWorthStoringLongUnit = 4;
 
   const char* seq_begin_;
   UnitPhases phases_;
