@@ -6,7 +6,9 @@
 //   glance/, close_look/   the two looks of the filter, by each kernel that this processor can run;
 //                          items are starts that are judged
 //   wraparound/            the bound behind the filter, by kernel; items are starts that are judged
-//   look_ahead/            all decisions on the way through an array, by each of the look-aheads;
+//   look_ahead/            all decisions on the way through an array, by each of the look-aheads,
+//   and
+//                          by each kernel of the one by bits;
 //                          items are decisions
 //   extension/             through an array, by steps, with ways that are new, and over stored
 //   ways;
@@ -169,8 +171,10 @@ std::vector<vorlan::Front> decision_points(ArrayCandidate& array) {
   return fronts;
 }
 
-void decisions(benchmark::State& state, const Accelerations& engines, std::int64_t score) {
+void decisions(benchmark::State& state, const Accelerations& engines,
+               vorlan::ChooseFirstEdit* kernel, std::int64_t score) {
   ArrayCandidate array(engines);
+  array.record().bit_memory().choose_first_edit = kernel;
   const std::vector<vorlan::Front> fronts = decision_points(array);
   vorlan::ExtensionSteps<Forward> steps(array.first(), array.record().end(), array.record());
   for ([[maybe_unused]] auto _ : state) {
@@ -252,11 +256,22 @@ void add_wraparound_kernels() {
   }
 }
 
-void add_decisions(const char* name, const Accelerations& engines) {
-  const std::string label = std::string("look_ahead/") + name;
-  add(label + "/high_score",
-      [=](benchmark::State& state) { decisions(state, engines, kHighScore); });
-  add(label + "/low_score", [=](benchmark::State& state) { decisions(state, engines, kLowScore); });
+void add_decisions(const std::string& name, const Accelerations& engines,
+                   vorlan::ChooseFirstEdit* kernel) {
+  for (const auto& [label, score] :
+       {std::pair{"/high_score", kHighScore}, std::pair{"/low_score", kLowScore}}) {
+    add("look_ahead/" + name + label,
+        [=, score = score](benchmark::State& state) { decisions(state, engines, kernel, score); });
+  }
+}
+
+void add_all_decisions() {
+  const std::vector<vorlan::PlaceSetsKernel>& kernels = vorlan::runnable_place_sets_kernels();
+  add_decisions("plain", without_look_aheads(), kernels.back().choose);
+  add_decisions("merged", only_merged_look_ahead(), kernels.back().choose);
+  for (const vorlan::PlaceSetsKernel& kernel : kernels) {
+    add_decisions(std::string("all_") + kernel.name, {}, kernel.choose);
+  }
 }
 
 void add_extensions() {
@@ -273,8 +288,6 @@ void add_engine_kernels() {
   add_filter_kernels("background", kernel_inputs::kHalf);
   add_filter_kernels("at_rich", kernel_inputs::kAtRich);
   add_wraparound_kernels();
-  add_decisions("plain", without_look_aheads());
-  add_decisions("merged", only_merged_look_ahead());
-  add_decisions("all", {});
+  add_all_decisions();
   add_extensions();
 }

@@ -20,7 +20,7 @@ struct Accelerations {
   bool wraparound = true;         ///< imperfect/wraparound/wraparound_kernel.h
   bool series_filter = true;      ///< imperfect/filter/series_filter.h; with both filters above
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
-  bool bit_look_ahead = true;     ///< imperfect/look_ahead/furthest_places.h
+  bool bit_look_ahead = true;     ///< imperfect/look_ahead/place_sets_kernel.h
   bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
   bool shared_ways = true;        ///< imperfect/ways/way_forest.h
   bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h

@@ -5,20 +5,25 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
+#include <vector>
 
 #include "imperfect/look_ahead/comeback.h"
 #include "imperfect/look_ahead/diagonal_masks.h"
-#include "imperfect/look_ahead/furthest_places.h"
+#include "imperfect/look_ahead/place_sets_kernel.h"
 #include "imperfect/look_ahead/unit_strip.h"
+#include "imperfect/moves.h"
 #include "imperfect/scoring.h"
 #include "search/direction.h"
 
 namespace vorlan {
 
+/// The kernels that this processor can run, the narrowest registers first.
+const std::vector<PlaceSetsKernel>& runnable_place_sets_kernels();
+
 /// Memory of the two directions, reused from extension to extension in one sequence.
 struct BitLookAheadMemory {
+  ChooseFirstEdit* choose_first_edit = runnable_place_sets_kernels().back().choose;
   UnitStrip unit;
   DiagonalMasks<Forward> forward;
   DiagonalMasks<Backward> backward;
@@ -44,8 +49,7 @@ class BitLookAhead {
         memory_(memory),
         masks_(memory.masks(Direction{})),
         comeback_(scoring),
-        furthest_places_(scoring),
-        can_decide_(FurthestPlaces<Direction>::can_decide(scoring)) {}
+        decides_(can_decide(scoring)) {}
 
   /// Whether no state behind the decision at `front` scores at least `goal`, until then with this
   /// threshold. False if that is not known, or if no edit is allowed here.
@@ -66,11 +70,20 @@ class BitLookAhead {
 
   /// The move of LeapAhead::best_move at `front`, at level 0, when it can be told.
   std::optional<Move> best_move(const Front& front, std::int64_t score) {
-    if (planes_ == nullptr || !can_decide_) return {};
+    if (planes_ == nullptr || !decides_) return {};
     start_masks(front, scoring_.deepest_level());
-    return furthest_places_.best_move(masks_,
-                                      relative(scoring_.threshold(score, unit_.length()), score),
-                                      std::abs(stop_ - front.place));
+    masks_.open(scoring_.deepest_level());
+    if (masks_.has_N()) return {};
+    const PlaceSetsPlan plan{static_cast<std::int32_t>(scoring_.mismatch_score),
+                             static_cast<std::int32_t>(scoring_.indel_score),
+                             scoring_.deepest_level()};
+    const std::int32_t threshold = relative(scoring_.threshold(score, unit_.length()), score);
+    FirstEdit edit = memory_.choose_first_edit(plan, {{masks_.words(0), nullptr}}, threshold);
+    if (edit == FirstEdit::kUnknown) {
+      edit = memory_.choose_first_edit(plan, {{masks_.words(0), masks_.words(1)}}, threshold);
+      if (masks_.has_N()) return {};
+    }
+    return move_of(edit);
   }
 
  private:
@@ -78,6 +91,29 @@ class BitLookAhead {
   /// more. A few more cost little. Chosen by the bench, table "Tuning".
   static constexpr std::int64_t kEditsForEach = 2;
   static constexpr std::int64_t kMoreEdits = 3;
+
+  static bool can_decide(const Scoring& scoring) {
+    return scoring.has_constant_threshold() && scoring.deepest_level() > 0 &&
+           scoring.deepest_level() <= kMostEditsOfSets &&
+           // So many edits stay above a threshold that was clamped to -kLargest.
+           scoring.dearest_edit() * kMostEditsOfSets > -std::int64_t{Comeback<Direction>::kLargest};
+  }
+
+  static std::optional<Move> move_of(FirstEdit edit) {
+    switch (edit) {
+      case FirstEdit::kMismatch:
+        return Move::kMismatch;
+      case FirstEdit::kInsertion:
+        return Move::kInsertion;
+      case FirstEdit::kDeletion:
+        return Move::kDeletion;
+      case FirstEdit::kNone:
+        return Move::kNone;
+      case FirstEdit::kUnknown:
+        break;
+    }
+    return {};
+  }
 
   static std::int32_t relative(std::int64_t score, std::int64_t origin) {
     constexpr std::int64_t kLargest = Comeback<Direction>::kLargest;
@@ -102,8 +138,7 @@ class BitLookAhead {
   BitLookAheadMemory& memory_;
   DiagonalMasks<Direction>& masks_;
   Comeback<Direction> comeback_;
-  FurthestPlaces<Direction> furthest_places_;
-  bool can_decide_;
+  bool decides_;
   bool unit_is_read_ = false;
 };
 

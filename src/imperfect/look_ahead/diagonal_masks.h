@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "imperfect/look_ahead/unit_strip.h"
 #include "imperfect/look_ahead/words_ahead.h"
@@ -70,11 +70,18 @@ class DiagonalMasks {
   /// Residues are counted from the place on; requires an advance of at least 0.
   std::int32_t next_mismatch(std::int32_t diagonal, std::int32_t advance) {
     if (advance < kBits) {
-      const std::int32_t offset = WordsAhead<Direction>::first_bit(mask(0, diagonal), advance);
-      if (offset < kBits) return offset;
+      const std::uint64_t differs = mask(0, diagonal) >> advance;
+      if (differs != 0) return advance + std::countr_zero(differs);
       advance = kBits;
     }
     return next_mismatch_further_on(diagonal, advance);
+  }
+
+  /// Where the kBits residues of a word do not match on diagonal 0, the lowest bit for the nearest.
+  /// The words of the other open diagonals lie beside it, in their order.
+  const std::uint64_t* words(std::int32_t word) {
+    for (; words_ <= word; ++words_) write_masks(words_);
+    return &mask(word, 0);
   }
 
   /// Whether an N is among the residues that masks have been made of.
@@ -96,21 +103,27 @@ class DiagonalMasks {
   Word read_word(std::int32_t word) {
     const std::int32_t ahead = word * kBits;
     const std::ptrdiff_t first = WordsAhead<Direction>::first_residue(place_, ahead);
-    const std::ptrdiff_t lowest_due =
-        std::min(WordsAhead<Direction>::first_unit_base(cursor_, ahead, diagonals_),
-                 WordsAhead<Direction>::first_unit_base(cursor_, ahead, -diagonals_));
-    const std::ptrdiff_t phase = unit_->phase(static_cast<std::int32_t>(lowest_due));
-    const Word read{bits_at(planes_.low, first), bits_at(planes_.high, first),
-                    bits_at(planes_.no_base, first), unit_->from(phase),
-                    unit_->from(phase + kBits)};
+    const auto nearest_lowest = [](std::uint64_t bits) {
+      return WordsAhead<Direction>::nearest_lowest(bits);
+    };
+    const Word read{nearest_lowest(bits_at(planes_.low, first)),
+                    nearest_lowest(bits_at(planes_.high, first)),
+                    nearest_lowest(bits_at(planes_.no_base, first)),
+                    due_on_the_last_diagonal(ahead), due_on_the_last_diagonal(ahead + kBits)};
     has_N_ = has_N_ || (read.no_base & ~read.low) != 0;
     return read;
   }
 
+  // The 64 unit bases that are due from `ahead` residues ahead on, where least of them are used up.
+  UnitStrip::Bits due_on_the_last_diagonal(std::int32_t ahead) const {
+    const std::ptrdiff_t first = WordsAhead<Direction>::first_unit_base(cursor_, ahead, diagonals_);
+    const UnitStrip::Bits bases = unit_->from(unit_->phase(static_cast<std::int32_t>(first)));
+    return {WordsAhead<Direction>::nearest_lowest(bases.low),
+            WordsAhead<Direction>::nearest_lowest(bases.high)};
+  }
+
   void write_mask(std::int32_t word, std::int32_t diagonal, const Word& read) {
-    // Backward, residues and unit bases are read from the far end.
-    constexpr bool kIsBackward = std::is_same_v<Direction, Backward>;
-    const std::int32_t skip = diagonals_ + (kIsBackward ? diagonal : -diagonal);
+    const std::int32_t skip = diagonals_ - diagonal;
     const auto due = [skip](std::uint64_t begin, std::uint64_t end) {
       return bits_across(begin, end, skip);
     };
@@ -122,9 +135,8 @@ class DiagonalMasks {
   std::int32_t next_mismatch_further_on(std::int32_t diagonal, std::int32_t advance) {
     for (std::int32_t word = advance / kBits; word < kWords; ++word, advance = word * kBits) {
       for (; words_ <= word; ++words_) write_masks(words_);
-      const std::int32_t offset =
-          WordsAhead<Direction>::first_bit(mask(word, diagonal), advance % kBits);
-      if (offset < kBits) return word * kBits + offset;
+      const std::uint64_t differs = mask(word, diagonal) >> advance % kBits;
+      if (differs != 0) return advance + std::countr_zero(differs);
     }
     return kReach;
   }

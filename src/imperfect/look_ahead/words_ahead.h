@@ -11,6 +11,17 @@
 
 namespace vorlan {
 
+/// The same bits in the other order.
+inline std::uint64_t reversed(std::uint64_t bits) {
+  const auto swap = [&bits](int distance, std::uint64_t lower) {
+    bits = (bits >> distance & lower) | (bits & lower) << distance;
+  };
+  swap(1, 0x5555555555555555);
+  swap(2, 0x3333333333333333);
+  swap(4, 0x0F0F0F0F0F0F0F0F);
+  return __builtin_bswap64(bits);
+}
+
 /// How the residues ahead of a place, or the unit bases ahead of a cursor, lie in words of 64 bits
 /// whose lowest bit is the leftmost base. Forward the base that is next has the lowest bit,
 /// backward the highest.
@@ -26,6 +37,8 @@ struct WordsAhead<Forward> {
   static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
     return bits >> skip == 0 ? 64 : skip + std::countr_zero(bits >> skip);
   }
+  /// The word with the nearest base in its lowest bit.
+  static std::uint64_t nearest_lowest(std::uint64_t bits) { return bits; }
   /// The leftmost residue of the word that begins `ahead` residues ahead of `place`.
   static std::ptrdiff_t first_residue(std::ptrdiff_t place, std::ptrdiff_t ahead) {
     return place + ahead;
@@ -42,6 +55,7 @@ struct WordsAhead<Backward> {
   static std::int32_t first_bit(std::uint64_t bits, std::int32_t skip) {
     return bits << skip == 0 ? 64 : skip + std::countl_zero(bits << skip);
   }
+  static std::uint64_t nearest_lowest(std::uint64_t bits) { return reversed(bits); }
   static std::ptrdiff_t first_residue(std::ptrdiff_t place, std::ptrdiff_t ahead) {
     return place - ahead - 64;
   }

@@ -70,7 +70,15 @@ TEST_F(BoundExamples, DiagonalMasksH) {
   EXPECT_EQ(bits(-1), "1111");
 }
 
-TEST_F(BoundExamples, FurthestPlacesH) {
+TEST_F(BoundExamples, PlaceSetsKernelHSum) {
+  constexpr unsigned kMatches = 0b01110011;
+  constexpr unsigned kArrivals = 0b00100010;
+  constexpr unsigned kSum = kMatches + (kArrivals & kMatches);
+  EXPECT_EQ(kSum, 0b10010101U);
+  EXPECT_EQ(kSum & ~kMatches, 0b10000100U);
+}
+
+TEST_F(BoundExamples, PlaceSetsKernelH) {
   DecisionBehindAC decision("GTACAC");
   const auto behind = [&](std::initializer_list<Move> moves) {
     Front front = decision.front();
