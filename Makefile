@@ -19,11 +19,12 @@
 #   make test-portable       the same without wider vector instructions
 #   make tools               build the companion program vorlan-tools: build/tools/bin/vorlan-tools
 #   make test-tools          run its tests
+#   make test-tools-asan     run them under the sanitizers of g++, but for those of documents
 #   make test-slurm          run the workflow for many genomes on a Slurm of its own with three nodes;
 #                            GENOMES=folder runs it over these, too
 #   make test-browser        look at the page of vorlan-tools with chromium, and at its numbers with MultiQC
 #   make fuzz                search for faults with libFuzzer; SECONDS=60 for each target, TARGET=one of them
-#   make fuzz-tools          the same for the report reader of vorlan-tools
+#   make fuzz-tools          the same for what vorlan-tools reads: reports, JSON
 #   make coverage            which lines and branches of the product the tests reach
 #   make mutants             plant small faults, one at a time: which test notices each? Takes long
 #   make bench               measure speed and memory; DATA=folder of genomes (gzip FASTA), SECTION=one or several
@@ -54,8 +55,8 @@ configure = @cmake --preset $(1) -DVORLAN_TESTS=$(2) >&2
 build = @cmake --build --preset $(1) >&2
 
 .PHONY: build tools run deps install uninstall test test-docs test-slow test-asan test-asan-clang test-clang \
-  test-portable test-tools test-browser test-slurm fuzz fuzz-tools coverage mutants bench figures lint lint-tools \
-  deb clean help
+  test-portable test-tools test-tools-asan test-browser test-slurm fuzz fuzz-tools coverage mutants bench figures \
+  lint lint-tools deb clean help
 
 build:
 	$(need) build
@@ -133,6 +134,12 @@ test-tools:
 	$(call build,tools)
 	@ctest --preset tools
 
+test-tools-asan:
+	$(need) build test tools test-tools
+	$(call configure,tools-asan,ON)
+	$(call build,tools-asan)
+	@ctest --preset tools-asan
+
 test-browser:
 	$(need) build tools test-browser
 	$(call configure,tools,ON)
@@ -153,8 +160,8 @@ fuzz:
 fuzz-tools:
 	$(need) build test tools clang
 	@cmake --preset fuzz -B build/fuzz-tools -DVORLAN_TOOLS=ON -DVORLAN_TESTS=ON >&2
-	@cmake --build build/fuzz-tools --target fuzz_report_reader >&2
-	@vorlan-tools/tests/fuzz/run_fuzz.sh build/fuzz-tools $(SECONDS)
+	@cmake --build build/fuzz-tools --target fuzz_report_reader fuzz_json_readers >&2
+	@vorlan-tools/tests/fuzz/run_fuzz.sh build/fuzz-tools $(SECONDS) $(TARGET)
 
 # Two modules of tests are left out: in them the program may not write files, hence no counters either.
 coverage:

@@ -16,7 +16,9 @@ import pwd
 import signal
 import socket
 import subprocess
+import tempfile
 import time
+import unittest
 from collections.abc import Iterator
 
 SBIN = "/usr/sbin"
@@ -182,3 +184,17 @@ class SlurmCluster:
         for process in list(self.processes()):
             with contextlib.suppress(ProcessLookupError):
                 os.kill(process, signal.SIGKILL)
+
+
+class SlurmTest(unittest.TestCase):
+    """Tests of a class share a Slurm, and a folder that goes with them."""
+
+    folder: pathlib.Path
+    cluster: SlurmCluster
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        folder = tempfile.TemporaryDirectory(prefix="vorlan-slurm-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        cls.cluster = cls.enterClassContext(SlurmCluster(cls.folder / "cluster"))

@@ -14,11 +14,10 @@ import random
 import re
 import signal
 import subprocess
-import tempfile
 import time
 import unittest
 
-from slurm_cluster import SlurmCluster
+from slurm_cluster import SlurmTest
 from workbench import VORLAN, Workbench
 
 SLOW_VORLAN = pathlib.Path(__file__).with_name("slow_vorlan.py")
@@ -35,16 +34,7 @@ def sequence(source: random.Random, bases: int) -> str:
     return text[:bases]
 
 
-class Failures(unittest.TestCase):
-    cluster: SlurmCluster
-
-    @classmethod
-    def setUpClass(cls) -> None:
-        folder = tempfile.TemporaryDirectory(prefix="vorlan-slurm-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
-        cls.cluster = cls.enterClassContext(SlurmCluster(cls.folder / "cluster"))
-
+class Failures(SlurmTest):
     def genomes(self, names: list[str], bases: int) -> dict[str, pathlib.Path]:
         source = random.Random(SEED)
         files = {}

@@ -11,11 +11,10 @@ import os
 import pathlib
 import re
 import subprocess
-import tempfile
 import time
 import unittest
 
-from slurm_cluster import SlurmCluster
+from slurm_cluster import SlurmTest
 from workbench import ROOT, TOOLS, VORLAN, Workbench
 
 FASTA_NAME = re.compile(r"(?P<genome>.+)\.(fa|fasta|fna)(\.gz)?")
@@ -31,16 +30,7 @@ def genomes_in(*folders: pathlib.Path) -> dict[str, pathlib.Path]:
     return found
 
 
-class OnThreeNodes(unittest.TestCase):
-    cluster: SlurmCluster
-
-    @classmethod
-    def setUpClass(cls) -> None:
-        folder = tempfile.TemporaryDirectory(prefix="vorlan-slurm-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
-        cls.cluster = cls.enterClassContext(SlurmCluster(cls.folder / "cluster"))
-
+class OnThreeNodes(SlurmTest):
     def search(self, name: str, genomes: dict[str, pathlib.Path], **settings) -> Workbench:
         """Runs the workflow and compares; malformed genomes must be named with their line."""
         bench = Workbench(self.folder / name, dict(genomes), self.cluster, **settings)

@@ -149,8 +149,12 @@ Calibration read_calibration(const std::string& name) {
   LineReader lines(name);
   std::string text;
   for (std::string_view line; lines.next(line);) (text += line) += '\n';
-  const auto refuse = [&lines](const std::string& why) {
-    return DataError(lines.name() + " is no file of vorlan-tools calibrate --json: " + why + ".");
+  return calibration_from_json(text, lines.name());
+}
+
+Calibration calibration_from_json(const std::string& text, const std::string& source) {
+  const auto refuse = [&source](const std::string& why) {
+    return DataError(source + " is no file of vorlan-tools calibrate --json: " + why + ".");
   };
   try {
     return calibration_of(Json::parse(text));

@@ -4,6 +4,8 @@
 #include "check/entry_text.h"
 
 #include <array>
+#include <charconv>
+#include <string>
 #include <string_view>
 
 #include "convert/text_append.h"
@@ -12,25 +14,25 @@ namespace vorlan_tools {
 
 namespace {
 
-/// Blanks in front until the text that was appended behind `begin` has the width.
-void pad(std::string& text, std::size_t begin, std::size_t width) {
-  const std::size_t size = text.size() - begin;
-  if (size < width) text.insert(begin, width - size, ' ');
+/// Blanks in front until `value` has the width.
+void append_padded(RowText& text, std::string_view value, std::size_t width) {
+  for (std::size_t size = value.size(); size < width; ++size) text += ' ';
+  text += value;
 }
 
-void append_padded(std::string& text, std::int64_t number, std::size_t width) {
-  const std::size_t begin = text.size();
-  append_number(text, number);
-  pad(text, begin, width);
+void append_padded(RowText& text, std::int64_t number, std::size_t width) {
+  std::array<char, 24> digits{};
+  const char* const end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+  append_padded(text, {digits.begin(), end}, width);
 }
 
-void append_padded_thousandths(std::string& text, Thousandths value, std::size_t width) {
-  const std::size_t begin = text.size();
-  append_thousandths(text, value);
-  pad(text, begin, width);
+void append_padded_thousandths(RowText& text, Thousandths value, std::size_t width) {
+  std::string shown;
+  append_thousandths(shown, value);
+  append_padded(text, shown, width);
 }
 
-void append_label(std::string& text, std::int64_t unit_length) {
+void append_label(RowText& text, std::int64_t unit_length) {
   constexpr std::array<std::string_view, 7> kNames = {"",
                                                       "  mononucleotide",
                                                       "    dinucleotide",
@@ -46,7 +48,7 @@ void append_label(std::string& text, std::int64_t unit_length) {
   }
 }
 
-void append_own_entry(std::string& text, const Repeat& repeat, const Settings& settings) {
+void append_own_entry(RowText& text, const Repeat& repeat, const Settings& settings) {
   append_label(text, repeat.unit_length);
   append_padded(text += ' ', repeat.start, 9);
   append_padded(text += " : ", repeat.end, 9);
@@ -70,12 +72,12 @@ void append_own_entry(std::string& text, const Repeat& repeat, const Settings& s
 }
 
 /// The number of hundredths has been read as thousandths.
-void append_hundredths(std::string& text, Thousandths value) {
+void append_hundredths(RowText& text, Thousandths value) {
   append_thousandths(text, value);
-  text.pop_back();
+  text.drop(1);
 }
 
-void append_gff_row(std::string& text, const Repeat& repeat, const std::string& name) {
+void append_gff_row(RowText& text, const Repeat& repeat, const std::string& name) {
   (text += name) += "\tVorlan\ttandem-repeat\t";
   append_number(text, repeat.start);
   append_number(text += '\t', repeat.end);
@@ -89,7 +91,7 @@ void append_gff_row(std::string& text, const Repeat& repeat, const std::string& 
   text += '"';
 }
 
-void append_table_row(std::string& text, const Repeat& repeat, const Settings& settings,
+void append_table_row(RowText& text, const Repeat& repeat, const Settings& settings,
                       const std::string& name) {
   append_number((text += name) += '\t', repeat.unit_length);
   append_thousandths(text += '\t', repeat.perfection);
@@ -107,7 +109,7 @@ void append_table_row(std::string& text, const Repeat& repeat, const Settings& s
   if (settings.flanking != 0) (((text += '\t') += repeat.left_flank) += '\t') += repeat.right_flank;
 }
 
-void append_fasta_header(std::string& text, const Repeat& repeat, const std::string& name) {
+void append_fasta_header(RowText& text, const Repeat& repeat, const std::string& name) {
   append_number(((text += '>') += name) += ' ', *repeat.offset);
   append_number(text += ' ', repeat.bases);
   append_number(text += ' ', repeat.unit_length);
@@ -123,7 +125,7 @@ void append_fasta_header(std::string& text, const Repeat& repeat, const std::str
 
 }  // namespace
 
-void append_entry_text(std::string& text, const Repeat& repeat, const Settings& settings,
+void append_entry_text(RowText& text, const Repeat& repeat, const Settings& settings,
                        const std::string& name) {
   switch (settings.format) {
     case Format::kPlain:

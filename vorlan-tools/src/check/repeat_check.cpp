@@ -313,7 +313,9 @@ void RepeatCheck::check_selection(const Repeat& repeat) {
 void RepeatCheck::check_layout(const Sequence& sequence, const Repeat& repeat) {
   layout_.clear();
   append_entry_text(layout_, repeat, settings_, sequence.name);
-  if (layout_ != repeat.entry) add(repeat, "the entry is not laid out as \"" + layout_ + "\"");
+  if (layout_.view() != repeat.entry) {
+    add(repeat, "the entry is not laid out as \"" + std::string(layout_.view()) + "\"");
+  }
 }
 
 }  // namespace vorlan_tools

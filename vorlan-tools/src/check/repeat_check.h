@@ -9,6 +9,7 @@
 
 #include "check/alignment_check.h"
 #include "check/findings.h"
+#include "convert/row_text.h"
 #include "report/repeat.h"
 #include "report/settings.h"
 
@@ -51,7 +52,7 @@ class RepeatCheck {
   const Settings& settings_;
   Findings& findings_;
   std::string ungapped_;
-  std::string layout_;
+  RowText layout_;
 };
 
 }  // namespace vorlan_tools

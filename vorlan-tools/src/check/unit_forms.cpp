@@ -27,14 +27,34 @@ struct Rotation {
   bool is_repetition;
 };
 
+char complement(char base) {
+  switch (base) {
+    case 'A':
+      return 'T';
+    case 'C':
+      return 'G';
+    case 'G':
+      return 'C';
+    case 'T':
+      return 'A';
+    default:
+      return '?';
+  }
+}
+
+/// `place` modulo `length`, without a division; requires place < 2 * length.
+std::size_t round(std::size_t place, std::size_t length) {
+  return place < length ? place : place - length;
+}
+
 Rotation find_smallest(std::string_view text) {
   const std::size_t length = text.size();
   std::size_t first = 0;
   std::size_t second = 1;
   std::size_t agreed = 0;
   while (first < length && second < length && agreed < length) {
-    const auto a = static_cast<unsigned char>(text[(first + agreed) % length]);
-    const auto b = static_cast<unsigned char>(text[(second + agreed) % length]);
+    const auto a = static_cast<unsigned char>(text[round(first + agreed, length)]);
+    const auto b = static_cast<unsigned char>(text[round(second + agreed, length)]);
     if (a == b) {
       ++agreed;
       continue;
@@ -57,13 +77,8 @@ std::string smallest_rotation(std::string_view text) {
 bool is_primitive(std::string_view text) { return !find_smallest(text).is_repetition; }
 
 std::string reverse_complement(std::string_view bases) {
-  constexpr std::string_view kFrom = "ACGT";
-  constexpr std::string_view kTo = "TGCA";
   std::string other(bases.rbegin(), bases.rend());
-  for (char& base : other) {
-    const std::size_t at = kFrom.find(base);
-    base = at == std::string_view::npos ? '?' : kTo[at];
-  }
+  for (char& base : other) base = complement(base);
   return other;
 }
 

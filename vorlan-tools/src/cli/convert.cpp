@@ -9,6 +9,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/filter_options.h"
+#include "cli/output_options.h"
 #include "convert/conversion.h"
 #include "errors.h"
 
@@ -29,38 +30,21 @@ const std::map<std::string, Target> kTargets = {
     {"tsv", Target::kTsv},
 };
 
-bool ends_with(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
-/// -O decides; without it, a name that ends in .gz asks for compression.
-Compression compression_of(const ConvertOptions& options) {
-  const bool is_compressed = options.output_type.empty()
-                                 ? ends_with(options.conversion.output, ".gz")
-                                 : options.output_type == "z";
-  return is_compressed ? Compression::kBgzip : Compression::kPlain;
-}
-
 int run_convert(const ConvertOptions& options) {
   Conversion conversion = options.conversion;
   conversion.target = kTargets.at(options.target);
-  conversion.compression = compression_of(options);
+  conversion.compression = compression_of(conversion.output, options.output_type);
   conversion.filter = filter_of(options.filter);
   convert(conversion);
   return kSuccess;
 }
 
-void add_output_options(CLI::App& command, ConvertOptions& options) {
+void add_writing_options(CLI::App& command, ConvertOptions& options) {
   Conversion& conversion = options.conversion;
   command.add_option("-t,--to", options.target, "Target: bed, gff3, jsonl, sam, bam, paf or tsv")
       ->required()
       ->check(CLI::IsMember(kTargets));
-  command.add_option("-o,--output", conversion.output,
-                     "File to write; - is standard output (default)");
-  command
-      .add_option("-O,--output-type", options.output_type,
-                  "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
-      ->check(CLI::IsMember({"z", "u"}));
+  add_output_options(command, conversion.output, options.output_type);
   command.add_flag("--write-index", conversion.write_index,
                    "Write the index of a bam, or of a compressed bed or gff3, beside the output");
   command.add_flag("--sort", conversion.sort, "Order by name of sequence, then start, then end");
@@ -81,7 +65,7 @@ void add_convert(CLI::App& app, Action& action) {
   command
       ->add_option("report", options->conversion.report, "Report to convert; - is standard input")
       ->required();
-  add_output_options(*command, *options);
+  add_writing_options(*command, *options);
   add_filter_options(*command, options->filter);
   command->callback([&action, options] { action = [options] { return run_convert(*options); }; });
 }

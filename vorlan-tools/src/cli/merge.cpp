@@ -27,7 +27,8 @@ void add_merge(CLI::App& app, Action& action) {
       ->required();
   command->add_option(
       "-o,--output", choices->options.output,
-      "Merged report, compressed if its name ends in .gz (default: standard output)");
+      "Merged report, compressed if its name ends in .gz, .bgz or .bgzf (default: standard "
+      "output)");
   const CLI::Option* input =
       command->add_option("--input", choices->input_name, "Input name that the head shall show");
   command->add_flag("--slices", choices->options.are_slices,

@@ -12,8 +12,10 @@ namespace vorlan_tools {
 void add_output_options(CLI::App& command, std::string& output, std::string& type) {
   command.add_option("-o,--output", output, "File to write; - is standard output (default)");
   command
-      .add_option("-O,--output-type", type,
-                  "z: compress with bgzip, u: do not (default: z if the output ends in .gz)")
+      .add_option(
+          "-O,--output-type", type,
+          "z: compress with bgzip, u: do not (default: z if the output ends in .gz, .bgz or "
+          ".bgzf)")
       ->check(CLI::IsMember({"z", "u"}));
 }
 

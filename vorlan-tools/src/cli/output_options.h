@@ -14,7 +14,7 @@ namespace vorlan_tools {
 /// if -O is not given.
 void add_output_options(CLI::App& command, std::string& output, std::string& type);
 
-/// -O decides; without it, a name that ends in .gz asks for compression.
+/// -O decides; without it, the name decides (compression_by_name()).
 Compression compression_of(const std::string& output, const std::string& type);
 
 }  // namespace vorlan_tools

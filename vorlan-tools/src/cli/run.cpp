@@ -131,7 +131,7 @@ void add_run(CLI::App& app, Action& action, const std::vector<std::string>& vorl
   command->footer(
       "Behind these: -- VORLAN-OPTIONS INPUT [REPORT]. INPUT may be compressed, - is standard "
       "input;\n"
-      "REPORT is compressed if its name ends in .gz (default: standard output).");
+      "REPORT is compressed if its name ends in .gz, .bgz or .bgzf (default: standard output).");
   command->callback([&action, choices] { action = [choices] { return run(*choices); }; });
 }
 

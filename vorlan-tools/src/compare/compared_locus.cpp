@@ -18,10 +18,8 @@ void set_bases(const Repeat& repeat, std::string& bases) {
     bases = repeat.residues;
     return;
   }
-  bases.reserve(repeat.sequence_line.size());
-  for (const char base : repeat.sequence_line) {
-    if (base != '-') bases += base;
-  }
+  bases = repeat.sequence_line;
+  std::erase(bases, '-');
 }
 
 ComparedLocus to_locus(const ReportReader& report, std::size_t sequence, std::size_t flank) {

@@ -26,6 +26,9 @@ enum class KeyKind { kBothFlanks, kOneFlank };
 /// flank.
 void set_key_text(const ComparedLocus& locus, KeyKind kind, bool is_reverse, std::string& text);
 
+/// Whether the text with both flanks comes first in the alphabet as it is read on the other strand.
+bool reads_first_on_other_strand(const ComparedLocus& locus);
+
 /// The number of a text, the same on every machine.
 std::uint64_t number_of(const std::string& text);
 

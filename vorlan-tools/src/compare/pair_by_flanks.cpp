@@ -91,7 +91,7 @@ class Pairer {
   }
 
   /// The keys of all loci that have no partner.
-  Keys keys_of(KeyKind kind) const {
+  Keys keys_of(KeyKind kind) {
     Keys keys;
     for (const bool is_second : {false, true}) {
       const std::vector<ComparedLocus>& loci = is_second ? second_.loci : first_.loci;
@@ -110,24 +110,19 @@ class Pairer {
     return keys;
   }
 
-  void add_both_flanks(const ComparedLocus& locus, std::size_t number, bool is_second,
-                       Keys& keys) const {
+  void add_both_flanks(const ComparedLocus& locus, std::size_t number, bool is_second, Keys& keys) {
     if (locus.left.size() + locus.right.size() < flank_) return;
-    std::string text;
-    std::string turned;
-    set_key_text(locus, KeyKind::kBothFlanks, false, text);
-    set_key_text(locus, KeyKind::kBothFlanks, true, turned);
-    const bool is_reverse = turned < text;
-    keys.push_back({number_of(is_reverse ? turned : text), number, is_second, is_reverse});
+    const bool is_reverse = reads_first_on_other_strand(locus);
+    set_key_text(locus, KeyKind::kBothFlanks, is_reverse, text_);
+    keys.push_back({number_of(text_), number, is_second, is_reverse});
   }
 
   void add_single_flanks(const ComparedLocus& locus, std::size_t number, bool is_second,
-                         Keys& keys) const {
-    std::string text;
+                         Keys& keys) {
     for (const bool is_reverse : {false, true}) {
       if ((is_reverse ? locus.right : locus.left).size() != flank_) continue;
-      set_key_text(locus, KeyKind::kOneFlank, is_reverse, text);
-      keys.push_back({number_of(text), number, is_second, is_reverse});
+      set_key_text(locus, KeyKind::kOneFlank, is_reverse, text_);
+      keys.push_back({number_of(text_), number, is_second, is_reverse});
     }
   }
 
@@ -144,11 +139,9 @@ class Pairer {
 
   void offer(const Key& one, const Key& other, KeyKind kind, Demand demand) {
     if (is_paired(one.locus) || is_taken(other.locus)) return;
-    std::string text;
-    std::string other_text;
-    set_key_text(first_.loci[one.locus], kind, one.is_reverse, text);
-    set_key_text(second_.loci[other.locus], kind, other.is_reverse, other_text);
-    if (text != other_text) return;
+    set_key_text(first_.loci[one.locus], kind, one.is_reverse, text_);
+    set_key_text(second_.loci[other.locus], kind, other.is_reverse, other_text_);
+    if (text_ != other_text_) return;
     const bool is_reverse = one.is_reverse != other.is_reverse;
     const LocusPair pair = kind == KeyKind::kBothFlanks
                                ? with_equal_flanks(one.locus, other.locus, is_reverse)
@@ -261,6 +254,8 @@ class Pairer {
   std::size_t flank_;
   std::vector<LocusPair> partner_;  ///< of each first locus; `second` kNone: none yet
   std::vector<std::size_t> taken_;  ///< by which first locus
+  std::string text_;                ///< of a key; these two keep their memory
+  std::string other_text_;
 };
 
 }  // namespace

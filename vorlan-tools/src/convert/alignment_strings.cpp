@@ -3,24 +3,25 @@
 
 #include "convert/alignment_strings.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "convert/text_append.h"
 
 namespace vorlan_tools {
 
 namespace {
 
-/// Calls run(operation, length) for every stretch of columns with one operation.
-template <typename Run>
-void for_each_run(const Repeat& repeat, Run run) {
-  const std::string& sequence = repeat.sequence_line;
-  const std::string& unit = repeat.unit_line;
-  std::size_t begin = 0;
-  while (begin < sequence.size()) {
-    const Operation operation = operation_of(sequence[begin], unit[begin]);
-    std::size_t end = begin + 1;
-    while (end < sequence.size() && operation_of(sequence[end], unit[end]) == operation) ++end;
-    run(operation, begin, end);
-    begin = end;
+std::int64_t& count_of(Operation operation, AlignmentCounts& counts) {
+  switch (operation) {
+    case Operation::kEqual:
+      return counts.equal;
+    case Operation::kDifferent:
+      return counts.different;
+    case Operation::kInsertion:
+      return counts.inserted;
+    default:
+      return counts.deleted;
   }
 }
 
@@ -28,7 +29,7 @@ bool is_aligned(Operation operation) {
   return operation == Operation::kEqual || operation == Operation::kDifferent;
 }
 
-void append_gap_run(std::string& text, char letter, std::size_t length) {
+void append_gap_run(RowText& text, char letter, std::size_t length) {
   if (length == 0) return;
   if (!text.empty() && text.back() != '=') text += ' ';
   text += letter;
@@ -39,33 +40,20 @@ void append_gap_run(std::string& text, char letter, std::size_t length) {
 
 AlignmentCounts count_operations(const Repeat& repeat) {
   AlignmentCounts counts;
-  for (std::size_t i = 0; i < repeat.sequence_line.size(); ++i) {
-    switch (operation_of(repeat.sequence_line[i], repeat.unit_line[i])) {
-      case Operation::kEqual:
-        ++counts.equal;
-        break;
-      case Operation::kDifferent:
-        ++counts.different;
-        break;
-      case Operation::kInsertion:
-        ++counts.inserted;
-        break;
-      case Operation::kDeletion:
-        ++counts.deleted;
-        break;
-    }
-  }
+  for_each_run(repeat, [&](Operation operation, std::size_t begin, std::size_t end) {
+    count_of(operation, counts) += static_cast<std::int64_t>(end - begin);
+  });
   return counts;
 }
 
-void append_cigar(std::string& text, const Repeat& repeat) {
+void append_cigar(RowText& text, const Repeat& repeat) {
   for_each_run(repeat, [&](Operation operation, std::size_t begin, std::size_t end) {
     append_number(text, static_cast<std::int64_t>(end - begin));
     text += static_cast<char>(operation);
   });
 }
 
-void append_gap(std::string& text, const Repeat& repeat) {
+void append_gap(RowText& text, const Repeat& repeat) {
   std::size_t aligned = 0;
   for_each_run(repeat, [&](Operation operation, std::size_t begin, std::size_t end) {
     if (is_aligned(operation)) {
@@ -79,7 +67,7 @@ void append_gap(std::string& text, const Repeat& repeat) {
   append_gap_run(text, 'M', aligned);
 }
 
-void append_md(std::string& text, const Repeat& repeat) {
+void append_md(RowText& text, const Repeat& repeat) {
   std::int64_t equal = 0;
   for_each_run(repeat, [&](Operation operation, std::size_t begin, std::size_t end) {
     const std::string_view bases =
@@ -101,9 +89,12 @@ void append_md(std::string& text, const Repeat& repeat) {
   append_number(text, equal);
 }
 
-void append_query(std::string& text, const Repeat& repeat) {
-  for (const char base : repeat.unit_line) {
-    if (base != '-') text += base;
+void append_query(RowText& text, const Repeat& repeat) {
+  std::string_view rest = repeat.unit_line;
+  while (!rest.empty()) {
+    const std::string_view bases = rest.substr(0, rest.find('-'));
+    text += bases;
+    rest.remove_prefix(std::min(rest.size(), bases.size() + 1));
   }
 }
 

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <cstring>
+#include <string_view>
 
+#include "convert/row_text.h"
 #include "report/repeat.h"
 
 namespace vorlan_tools {
@@ -27,6 +29,36 @@ inline Operation operation_of(char sequence_base, char unit_base) {
   return sequence_base == unit_base ? Operation::kEqual : Operation::kDifferent;
 }
 
+/// The end of whole words of equal bases that begin at `begin`; more may follow. Most columns of a
+/// repeat are equal, so eight are compared at once.
+inline std::size_t end_of_equal(std::string_view sequence, std::string_view unit,
+                                std::size_t begin) {
+  std::uint64_t bases = 0;
+  std::uint64_t unit_bases = 0;
+  for (; begin + sizeof bases <= sequence.size(); begin += sizeof bases) {
+    std::memcpy(&bases, sequence.data() + begin, sizeof bases);
+    std::memcpy(&unit_bases, unit.data() + begin, sizeof unit_bases);
+    if (bases != unit_bases) break;
+  }
+  return begin;
+}
+
+/// Calls run(operation, length) for every stretch of columns with one operation.
+template <typename Run>
+void for_each_run(const Repeat& repeat, Run run) {
+  const std::string& sequence = repeat.sequence_line;
+  const std::string& unit = repeat.unit_line;
+  std::size_t begin = 0;
+  while (begin < sequence.size()) {
+    const Operation operation = operation_of(sequence[begin], unit[begin]);
+    std::size_t end = begin + 1;
+    if (operation == Operation::kEqual) end = end_of_equal(sequence, unit, end);
+    while (end < sequence.size() && operation_of(sequence[end], unit[end]) == operation) ++end;
+    run(operation, begin, end);
+    begin = end;
+  }
+}
+
 /// What alignment formats count.
 struct AlignmentCounts {
   std::int64_t equal = 0;
@@ -45,15 +77,15 @@ struct AlignmentCounts {
 AlignmentCounts count_operations(const Repeat& repeat);
 
 /// With = X I D, such as 3=1X2=.
-void append_cigar(std::string& text, const Repeat& repeat);
+void append_cigar(RowText& text, const Repeat& repeat);
 
 /// The Gap attribute of GFF3, with M I D, such as M6 D1 M2.
-void append_gap(std::string& text, const Repeat& repeat);
+void append_gap(RowText& text, const Repeat& repeat);
 
 /// The MD tag of SAM: lengths of equal stretches, differing reference bases, deleted ones behind ^.
-void append_md(std::string& text, const Repeat& repeat);
+void append_md(RowText& text, const Repeat& repeat);
 
 /// The perfect repeat itself: the unit line without gaps.
-void append_query(std::string& text, const Repeat& repeat);
+void append_query(RowText& text, const Repeat& repeat);
 
 }  // namespace vorlan_tools

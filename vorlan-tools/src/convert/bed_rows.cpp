@@ -14,7 +14,7 @@ namespace {
 
 class BedRows : public RowFormat {
  public:
-  void append_head(std::string& /*text*/, const Head& /*head*/,
+  void append_head(RowText& /*text*/, const Head& /*head*/,
                    const std::vector<ListedSequence>& /*sequences*/) override {}
 
   void begin_sequence(const Sequence& /*sequence*/, std::string_view name) override {
@@ -22,7 +22,7 @@ class BedRows : public RowFormat {
     name_ = name;
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     find_motif(repeat, motif_);
     text += name_;
     append_number(text += '\t', repeat.start - 1);

@@ -112,9 +112,9 @@ std::vector<ListedSequence> written_sequences(const RereadableInput& input,
 void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& report,
                 const std::vector<ListedSequence>& sequences) {
   RowWriter writer(conversion);
-  std::string text;
+  RowText text;
   format.append_head(text, report.head(), sequences);
-  writer.write_head(text);
+  writer.write_head(text.view());
   std::string name;
   bool is_begun = false;
   for (auto item = report.next(); item != ReportReader::Item::kEnd; item = report.next()) {
@@ -129,7 +129,7 @@ void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& r
     is_begun = true;
     text.clear();
     format.append_repeat(text, repeat);
-    writer.write(name, repeat.start, repeat.end, text);
+    writer.write(name, repeat.start, repeat.end, text.view());
   }
   writer.finish(conversion);
 }

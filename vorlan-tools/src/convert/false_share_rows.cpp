@@ -64,14 +64,14 @@ class FalseShareRows : public RowFormat {
 
   bool needs_sequences() const override { return format_->needs_sequences(); }
 
-  void append_head(std::string& text, const Head& head,
+  void append_head(RowText& text, const Head& head,
                    const std::vector<ListedSequence>& sequences) override {
     if (of_search(settings_of(head)) != of_search(calibration_.settings)) {
       throw DataError("The calibration was made with other settings than the report.");
     }
     format_->append_head(text, head, sequences);
     if (target_ != Target::kTsv) return;
-    text.pop_back();
+    text.drop(1);
     text += "\tfalse_share\n";
   }
 
@@ -79,26 +79,27 @@ class FalseShareRows : public RowFormat {
     format_->begin_sequence(sequence, name);
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     format_->append_repeat(text, repeat);
     std::optional<double> share;
     if (repeat.score) share = calibration_.share(repeat.unit_length, *repeat.score);
     if (!share && !place_.says_unknown) return;
-    text.resize(text.size() - place_.end.size());
+    text.drop(place_.end.size());
     text += place_.label;
     append_share(text, share);
     text += place_.end;
   }
 
  private:
-  static void append_share(std::string& text, const std::optional<double>& share) {
+  static void append_share(RowText& text, const std::optional<double>& share) {
     if (!share) {
       text += '.';
       return;
     }
     char digits[64];
     const double rounded = std::round(*share * 1e6) / 1e6;
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, rounded).ptr);
+    const char* const end = std::to_chars(digits, digits + sizeof digits, rounded).ptr;
+    text += {digits, static_cast<std::size_t>(end - digits)};
   }
 
   std::unique_ptr<RowFormat> format_;

@@ -21,7 +21,7 @@ std::string_view type_of(std::int64_t unit_length) {
 }
 
 /// All regions stand before the rows, since tabix knows no directives among them.
-void append_region(std::string& text, const ListedSequence& sequence) {
+void append_region(RowText& text, const ListedSequence& sequence) {
   if (sequence.length == 0) return;
   ((text += "##sequence-region ") += gff3_name(sequence.name)) += " 1 ";
   append_number(text, sequence.length);
@@ -32,7 +32,7 @@ class Gff3Rows : public RowFormat {
  public:
   bool needs_sequences() const override { return true; }
 
-  void append_head(std::string& text, const Head& head,
+  void append_head(RowText& text, const Head& head,
                    const std::vector<ListedSequence>& sequences) override {
     text += "##gff-version 3\n#!processor vorlan ";
     append_gff3_value(text, head.version);
@@ -44,7 +44,7 @@ class Gff3Rows : public RowFormat {
     name_ = gff3_name(name);
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     find_motif(repeat, motif_);
     ((text += name_) += "\tvorlan\t") += type_of(repeat.unit_length);
     append_number(text += '\t', repeat.start);
@@ -70,20 +70,20 @@ class Gff3Rows : public RowFormat {
     return motif_.empty() ? repeat.unit : motif_;
   }
 
-  void append_name(std::string& text, const Repeat& repeat) {
+  void append_name(RowText& text, const Repeat& repeat) {
     if (shown_unit(repeat).empty()) return;
     append_gff3_value(text += ";Name=(", shown_unit(repeat));
     text += ")n";
   }
 
-  static void append_count(std::string& text, std::string_view label,
+  static void append_count(RowText& text, std::string_view label,
                            const std::optional<std::int64_t>& count) {
     if (count) append_number(text += label, *count);
   }
 
   /// The target is the perfect repeat. Gap counts insertions in the target, so that a deletion of
   /// the report is an I there.
-  void append_alignment(std::string& text, const Repeat& repeat) {
+  void append_alignment(RowText& text, const Repeat& repeat) {
     if (!repeat.has_alignment() || motif_.empty()) return;
     const AlignmentCounts counts = count_operations(repeat);
     ((text += ";Target=(") += motif_) += ")n 1 ";

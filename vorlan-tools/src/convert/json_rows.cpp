@@ -23,7 +23,7 @@ void append_hex_bytes(std::string& text, std::string_view bytes) {
 /// says of bases, counts and events is taken over as it stands, once it is known to need none.
 class JsonRows : public RowFormat {
  public:
-  void append_head(std::string& /*text*/, const Head& /*head*/,
+  void append_head(RowText& /*text*/, const Head& /*head*/,
                    const std::vector<ListedSequence>& /*sequences*/) override {}
 
   void begin_sequence(const Sequence& sequence, std::string_view name) override {
@@ -37,27 +37,27 @@ class JsonRows : public RowFormat {
     if (sequence.length) append_number(opening_ += ",\"sequence_length\":", *sequence.length);
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     find_motif(repeat, motif_);
     text += opening_;
     append_number(text += ",\"start\":", repeat.start);
     append_number(text += ",\"end\":", repeat.end);
     append_number(text += ",\"unit_length\":", repeat.unit_length);
-    append_text(text, "unit", repeat.unit);
-    append_text(text, "motif", motif_);
+    append_text(text, ",\"unit\":", repeat.unit);
+    append_text(text, ",\"motif\":", motif_);
     append_number(text += ",\"bases\":", repeat.bases);
-    append_count(text, "length", repeat.length);
+    append_count(text, ",\"length\":", repeat.length);
     append_thousandths(text += ",\"copies\":", repeat.copies);
-    append_count(text, "score", repeat.score);
+    append_count(text, ",\"score\":", repeat.score);
     append_thousandths(text += ",\"perfection\":", repeat.perfection);
-    append_count(text, "mismatches", repeat.mismatches);
-    append_count(text, "insertions", repeat.insertions);
-    append_count(text, "deletions", repeat.deletions);
-    append_count(text, "ns", repeat.ns);
-    append_text(text, "events", repeat.events);
-    append_text(text, "left_flank", repeat.left_flank);
-    append_text(text, "residues", repeat.residues);
-    append_text(text, "right_flank", repeat.right_flank);
+    append_count(text, ",\"mismatches\":", repeat.mismatches);
+    append_count(text, ",\"insertions\":", repeat.insertions);
+    append_count(text, ",\"deletions\":", repeat.deletions);
+    append_count(text, ",\"ns\":", repeat.ns);
+    append_text(text, ",\"events\":", repeat.events);
+    append_text(text, ",\"left_flank\":", repeat.left_flank);
+    append_text(text, ",\"residues\":", repeat.residues);
+    append_text(text, ",\"right_flank\":", repeat.right_flank);
     append_alignment(text, repeat);
     text += "}\n";
   }
@@ -71,18 +71,17 @@ class JsonRows : public RowFormat {
   }
 
   /// A key whose value is not known is left out.
-  static void append_count(std::string& text, std::string_view key,
+  static void append_count(RowText& text, std::string_view key,
                            const std::optional<std::int64_t>& count) {
-    if (count) append_number(((text += ",\"") += key) += "\":", *count);
+    if (count) append_number(text += key, *count);
   }
 
-  static void append_text(std::string& text, std::string_view key, std::string_view value) {
+  static void append_text(RowText& text, std::string_view key, std::string_view value) {
     if (value.empty()) return;
-    ((text += ",\"") += key) += "\":";
-    append_json_string(text, value);
+    append_json_string(text += key, value);
   }
 
-  static void append_alignment(std::string& text, const Repeat& repeat) {
+  static void append_alignment(RowText& text, const Repeat& repeat) {
     if (!repeat.has_alignment()) return;
     append_cigar(text += ",\"cigar\":\"", repeat);
     append_json_string(text += "\",\"alignment\":[", repeat.sequence_line);

@@ -3,6 +3,8 @@
 
 #include "convert/motif.h"
 
+#include <algorithm>
+
 namespace vorlan_tools {
 
 namespace {
@@ -14,20 +16,30 @@ bool is_perfect(const Repeat& repeat) {
   return repeat.perfection == kPerfect;
 }
 
+bool is_known_base(char c) { return c == 'A' || c == 'C' || c == 'G' || c == 'T'; }
+
+/// The first `count` letters of `line` that are no gap, or all there are. Nearly always no gap
+/// stands among them.
+void take_bases(const std::string& line, std::size_t count, std::string& bases) {
+  bases.assign(line, 0, count);
+  if (bases.find('-') == std::string::npos) return;
+  bases.clear();
+  for (const char base : line) {
+    if (bases.size() == count) break;
+    if (base != '-') bases += base;
+  }
+}
+
 }  // namespace
 
 void find_motif(const Repeat& repeat, std::string& motif) {
-  motif.clear();
   const auto unit_length = static_cast<std::size_t>(repeat.unit_length);
-  for (const char base : repeat.unit_line) {
-    if (motif.size() == unit_length) break;
-    if (base != '-') motif += base;
-  }
+  take_bases(repeat.unit_line, unit_length, motif);
   if (!repeat.has_alignment() && repeat.residues.size() >= unit_length && is_perfect(repeat)) {
     motif.assign(repeat.residues, 0, unit_length);
   }
   const bool is_whole =
-      motif.size() == unit_length && motif.find_first_not_of("ACGT") == std::string::npos;
+      motif.size() == unit_length && std::all_of(motif.begin(), motif.end(), is_known_base);
   if (!is_whole) motif.clear();
 }
 

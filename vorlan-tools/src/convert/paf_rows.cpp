@@ -13,7 +13,7 @@ namespace {
 
 class PafRows : public RowFormat {
  public:
-  void append_head(std::string& /*text*/, const Head& /*head*/,
+  void append_head(RowText& /*text*/, const Head& /*head*/,
                    const std::vector<ListedSequence>& /*sequences*/) override {}
 
   void begin_sequence(const Sequence& sequence, std::string_view name) override {
@@ -22,7 +22,7 @@ class PafRows : public RowFormat {
     length_ = sequence.length.value_or(0);
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     find_motif(repeat, motif_);
     const AlignmentCounts counts = count_operations(repeat);
     ((text += '(') += motif_) += ")n\t";

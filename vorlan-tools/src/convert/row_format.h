@@ -8,14 +8,15 @@
 #include <string_view>
 #include <vector>
 
+#include "convert/row_text.h"
 #include "report/head.h"
 #include "report/repeat.h"
 #include "report/sequence_list.h"
 
 namespace vorlan_tools {
 
-/// A target that is text with one row for each repeat. Rows are appended to a string that the
-/// caller owns; no call allocates once strings have grown.
+/// A target that is text with one row for each repeat. Rows are appended to a text that the
+/// caller owns; no call allocates once texts have grown.
 class RowFormat {
  public:
   virtual ~RowFormat() = default;
@@ -26,7 +27,7 @@ class RowFormat {
   virtual bool needs_sequences() const { return false; }
 
   /// What stands before all rows. The names of `sequences` are those to be written (perhaps cut).
-  virtual void append_head(std::string& text, const Head& head,
+  virtual void append_head(RowText& text, const Head& head,
                            const std::vector<ListedSequence>& sequences) = 0;
 
   /// Called before the repeats of a sequence. `name` is its name as it is to be written (perhaps
@@ -34,7 +35,7 @@ class RowFormat {
   virtual void begin_sequence(const Sequence& sequence, std::string_view name) = 0;
 
   /// The row of a repeat of that sequence, with its line feed.
-  virtual void append_repeat(std::string& text, const Repeat& repeat) = 0;
+  virtual void append_repeat(RowText& text, const Repeat& repeat) = 0;
 
  protected:
   RowFormat() = default;

@@ -3,6 +3,7 @@
 
 #include "convert/sequence_names.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "errors.h"
@@ -16,11 +17,37 @@ constexpr std::string_view kLettersAndDigits =
 
 bool is_among(char c, std::string_view set) { return set.find(c) != std::string_view::npos; }
 
-void append_hex(std::string& text, char c) {
+template <typename Text>
+void append_hex(Text& text, char c) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   const auto byte = static_cast<unsigned char>(c);
   text += kDigits[byte / 16U];
   text += kDigits[byte % 16U];
+}
+
+/// Capital letters, of which units and motifs consist.
+bool holds_only_letters(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+/// Whether a JSON string holds `text` as it stands. Looks at all of it: most texts need no escape,
+/// and without a way out the loop takes many bytes at once.
+bool needs_no_escape(std::string_view text) {
+  unsigned char escapes = 0;
+  for (const char c : text) {
+    escapes |= static_cast<unsigned char>((c < ' ') | (c > '~') | (c == '"') | (c == '\\'));
+  }
+  return escapes == 0;
+}
+
+template <typename Text>
+void append_quoted(Text& to, std::string_view text) {
+  if (needs_no_escape(text)) {
+    ((to += '"') += text) += '"';
+    return;
+  }
+  bool is_exact = true;
+  to += json_string(text, is_exact);
 }
 
 [[noreturn]] void refuse(std::string_view name, std::string_view target, std::string_view reason) {
@@ -80,7 +107,11 @@ std::string gff3_name(std::string_view name) {
   return text;
 }
 
-void append_gff3_value(std::string& text, std::string_view value) {
+void append_gff3_value(RowText& text, std::string_view value) {
+  if (holds_only_letters(value)) {
+    text += value;
+    return;
+  }
   for (const char c : value) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || byte == 0x7F || is_among(c, "%;=&,")) {
@@ -103,16 +134,8 @@ std::string json_string(std::string_view text, bool& is_exact) {
   }
 }
 
-void append_json_string(std::string& to, std::string_view text) {
-  for (const char c : text) {
-    if (c < ' ' || c > '~' || c == '"' || c == '\\') {
-      bool is_exact = true;
-      to += json_string(text, is_exact);
-      return;
-    }
-  }
-  ((to += '"') += text) += '"';
-}
+void append_json_string(std::string& to, std::string_view text) { append_quoted(to, text); }
+void append_json_string(RowText& to, std::string_view text) { append_quoted(to, text); }
 
 std::string tsv_name(std::string_view name) {
   std::string text;

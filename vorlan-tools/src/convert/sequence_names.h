@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "convert/row_text.h"
+
 namespace vorlan_tools {
 
 /// Names of sequences are any bytes but blanks and line feeds, and may be empty. What each target
@@ -24,7 +26,7 @@ void require_sam_name(std::string_view name);
 std::string gff3_name(std::string_view name);
 
 /// The value of an attribute of GFF3: control characters and %;=&, become %XX.
-void append_gff3_value(std::string& text, std::string_view value);
+void append_gff3_value(RowText& text, std::string_view value);
 
 /// A JSON string with its quotes. Bytes that are no UTF-8 become U+FFFD; `is_exact` tells whether
 /// none did.
@@ -32,6 +34,7 @@ std::string json_string(std::string_view text, bool& is_exact);
 
 /// Appends json_string(text), at once if no byte of it needs an escape.
 void append_json_string(std::string& to, std::string_view text);
+void append_json_string(RowText& to, std::string_view text);
 
 /// A tab becomes \t, a carriage return \r and a backslash \\.
 std::string tsv_name(std::string_view name);

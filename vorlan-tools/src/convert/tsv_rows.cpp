@@ -13,7 +13,7 @@ namespace {
 
 class TsvRows : public RowFormat {
  public:
-  void append_head(std::string& text, const Head& /*head*/,
+  void append_head(RowText& text, const Head& /*head*/,
                    const std::vector<ListedSequence>& /*sequences*/) override {
     text +=
         "sequence\tstart\tend\tunit_"
@@ -25,7 +25,7 @@ class TsvRows : public RowFormat {
     name_ = tsv_name(name);
   }
 
-  void append_repeat(std::string& text, const Repeat& repeat) override {
+  void append_repeat(RowText& text, const Repeat& repeat) override {
     find_motif(repeat, motif_);
     text += name_;
     append_number(text += '\t', repeat.start);

@@ -130,20 +130,32 @@ std::size_t FastaReader::find_line_feed() const {
              : static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
 }
 
-/// Most bytes are letters of a residue line that lies in the buffer: they are taken at once, up to
-/// the first byte that is anything else.
+/// Most lines lie in the buffer and hold nothing but residues: these are taken at once, by a loop
+/// without a way out, which needs a cycle for each byte. Of other lines, what stands in front of
+/// the first other byte is taken.
 template <bool kKeep>
 void FastaReader::pass_letters() {
   const std::size_t size = residues_.size();
   const std::size_t line_end = find_line_feed();
-  if (kKeep) residues_.resize(size + (line_end - begin_));
-  char* next = residues_.data() + size;
-  for (; begin_ < line_end; ++begin_) {
-    const char residue = kResidues[static_cast<unsigned char>(buffer_[begin_])];
-    if (residue <= kMalformed) break;
-    if (kKeep) *next++ = residue;
+  const std::string_view line(buffer_.data() + begin_, line_end - begin_);
+  if (kKeep) residues_.append(line);
+  char* const kept = residues_.data() + size;
+  bool is_plain = true;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char residue = kResidues[static_cast<unsigned char>(line[i])];
+    if (kKeep) kept[i] = residue;
+    is_plain &= residue > kMalformed;
   }
-  if (kKeep) residues_.resize(static_cast<std::size_t>(next - residues_.data()));
+  std::size_t taken = line.size();
+  if (!is_plain) {
+    const auto is_other = [](char byte) {
+      return kResidues[static_cast<unsigned char>(byte)] <= kMalformed;
+    };
+    taken =
+        static_cast<std::size_t>(std::find_if(line.begin(), line.end(), is_other) - line.begin());
+    if (kKeep) residues_.resize(size + taken);
+  }
+  begin_ += taken;
 }
 
 template <bool kKeep>

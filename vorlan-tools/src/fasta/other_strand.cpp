@@ -26,10 +26,18 @@ constexpr std::array<char, 256> kPartners = make_partners();
 
 }  // namespace
 
+char other_strand(char base) { return kPartners[static_cast<unsigned char>(base)]; }
+
 std::string other_strand(std::string_view bases) {
-  std::string other(bases.rbegin(), bases.rend());
-  for (char& base : other) base = kPartners[static_cast<unsigned char>(base)];
+  std::string other;
+  append_other_strand(other, bases);
   return other;
+}
+
+void append_other_strand(std::string& text, std::string_view bases) {
+  const std::size_t size = text.size();
+  text.append(bases.rbegin(), bases.rend());
+  for (std::size_t i = size; i < text.size(); ++i) text[i] = other_strand(text[i]);
 }
 
 }  // namespace vorlan_tools

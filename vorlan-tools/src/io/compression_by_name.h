@@ -9,7 +9,7 @@
 
 namespace vorlan_tools {
 
-/// bgzip for names that end in .gz, .bgz or .bgzf, as its readers expect.
+/// bgzip for names that end in .gz, .bgz or .bgzf, as its readers expect: the rule of all outputs.
 Compression compression_by_name(const std::string& name);
 
 }  // namespace vorlan_tools

@@ -3,7 +3,9 @@
 
 #include "mask/text_masker.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 #include "errors.h"
@@ -12,10 +14,11 @@ namespace vorlan_tools {
 
 namespace {
 
-enum class ByteKind : unsigned char { kMalformed, kSkipped, kResidue };
+enum class ByteKind : unsigned char { kResidue, kSkipped, kMalformed };
 
 constexpr std::array<ByteKind, 256> byte_kinds() {
   std::array<ByteKind, 256> kinds{};
+  kinds.fill(ByteKind::kMalformed);
   for (const char letter : std::string_view("ACGTUNXRYKMSWBDHVacgtunxrykmswbdhv?")) {
     kinds[static_cast<unsigned char>(letter)] = ByteKind::kResidue;
   }
@@ -35,6 +38,25 @@ char lower(char residue) {
 }
 char upper(char residue) {
   return is_letter(residue) ? static_cast<char>(residue & ~kCaseBit) : residue;
+}
+
+/// Bytes in front of the first carriage return or line feed.
+std::ptrdiff_t line_length(const char* begin, const char* end) {
+  const auto size = static_cast<std::size_t>(end - begin);
+  const std::string_view text(begin, size);
+  const std::string_view line = text.substr(0, text.find('\n'));
+  return static_cast<std::ptrdiff_t>(std::min(line.size(), line.find('\r')));
+}
+
+/// Whether all bytes are residues, as in nearly every line. Without a way out the loop needs a
+/// cycle for each byte.
+bool holds_only_residues(const char* begin, const char* end) {
+  static_assert(static_cast<unsigned>(ByteKind::kResidue) == 0);
+  unsigned kinds = 0;
+  for (; begin != end; ++begin) {
+    kinds |= static_cast<unsigned>(kByteKinds[static_cast<unsigned char>(*begin)]);
+  }
+  return kinds == 0;
 }
 
 }  // namespace
@@ -88,8 +110,13 @@ void TextMasker::take_first(char byte) {
 }
 
 char* TextMasker::take_residues(char* begin, const char* end) {
-  char* at = begin;
-  for (; at != end && *at != '\n' && *at != '\r'; ++at) {
+  char* const line_end = begin + line_length(begin, end);
+  at_line_start_ = after_cr_ = false;
+  if (holds_only_residues(begin, line_end)) {
+    mask_residues(begin, line_end);
+    return line_end;
+  }
+  for (char* at = begin; at != line_end; ++at) {
     const ByteKind kind = kByteKinds[static_cast<unsigned char>(*at)];
     if (kind == ByteKind::kResidue) {
       *at = masked(*at);
@@ -97,8 +124,27 @@ char* TextMasker::take_residues(char* begin, const char* end) {
       fail();
     }
   }
-  at_line_start_ = after_cr_ = false;
-  return at;
+  return line_end;
+}
+
+// The same as masked() for each of them, but a stretch, or what lies in front of it, at once.
+void TextMasker::mask_residues(char* begin, char* end) {
+  while (begin != end) {
+    if (bases_ >= stretch_.end) stretch_ = stretches_.next();
+    const bool is_in_front = bases_ + 1 < stretch_.begin;
+    const std::int64_t last = is_in_front ? stretch_.begin - 1 : stretch_.end;
+    const std::int64_t count = std::min<std::int64_t>(end - begin, last - bases_);
+    char* const part_end = begin + count;
+    if (is_in_front) {
+      if (!style_.keeps_lower_case) std::transform(begin, part_end, begin, upper);
+    } else if (style_.is_hard) {
+      std::fill(begin, part_end, 'N');
+    } else {
+      std::transform(begin, part_end, begin, lower);
+    }
+    bases_ += count;
+    begin = part_end;
+  }
 }
 
 char TextMasker::masked(char residue) {

@@ -45,6 +45,7 @@ class TextMasker {
   void take_first(char byte);
   char* take_residues(char* begin, const char* end);
   char masked(char residue);
+  void mask_residues(char* begin, char* end);
   void end_header();
   void end_record();
   [[noreturn]] void fail() const;

@@ -37,18 +37,18 @@ Thousandths copies_of(const Dissection& dissection) {
   return (2 * places * 1000 + unit) / (2 * unit);
 }
 
-void append_copy_name(std::string& text, const DissectedArray& array, std::size_t copy) {
+void append_copy_name(RowText& text, const DissectedArray& array, std::size_t copy) {
   append_number(text, array.number);
   append_number(text += '.', static_cast<std::int64_t>(copy) + 1);
 }
 
-void append_order(std::string& text, const HigherOrder& higher_order) {
+void append_order(RowText& text, const HigherOrder& higher_order) {
   append_number(text, static_cast<std::int64_t>(higher_order.order));
 }
 
 }  // namespace
 
-void append_monomer_rows(std::string& text, const DissectedArray& array) {
+void append_monomer_rows(RowText& text, const DissectedArray& array) {
   require_bed_name(array.array.sequence);
   const Dissection& dissection = array.dissection;
   const std::size_t order = dissection.higher_order.order;
@@ -75,12 +75,12 @@ void append_monomer_rows(std::string& text, const DissectedArray& array) {
   }
 }
 
-void append_monomer_records(std::string& text, const DissectedArray& array) {
+void append_monomer_records(RowText& text, const DissectedArray& array) {
   const std::vector<Monomer>& monomers = array.dissection.monomers;
   for (std::size_t copy = 0; copy < monomers.size(); ++copy) {
     const Monomer& monomer = monomers[copy];
     append_copy_name(text += '>', array, copy);
-    text += ' ' + array.array.sequence;
+    (text += ' ') += array.array.sequence;
     append_number(text += ':', array.array.start + monomer.start + 1);
     append_number(text += '-', array.array.start + monomer.end);
     append_thousandths(text += " divergence=", per_cent(monomer.edits(), monomer.columns()));
@@ -91,29 +91,29 @@ void append_monomer_records(std::string& text, const DissectedArray& array) {
   }
 }
 
-void append_consensus_record(std::string& text, const DissectedArray& array) {
+void append_consensus_record(RowText& text, const DissectedArray& array) {
   const Dissection& dissection = array.dissection;
   append_number(text += '>', array.number);
-  text += ' ' + array.array.sequence;
+  (text += ' ') += array.array.sequence;
   append_number(text += ':', array.array.start + 1);
   append_number(text += '-', array.array.end);
   append_number(text += " unit_length=", static_cast<std::int64_t>(dissection.consensus.size()));
   append_thousandths(text += " copies=", copies_of(dissection));
   append_thousandths(text += " divergence=", divergence(dissection));
   append_order(text += " order=", dissection.higher_order);
-  text += '\n' + dissection.consensus + '\n';
+  ((text += '\n') += dissection.consensus) += '\n';
 }
 
-void append_consensus_head(std::string& text) {
+void append_consensus_head(RowText& text) {
   text +=
       "array\tsequence\tstart\tend\treported_unit_length\tunit_length\tcopies\tdivergence\torder\t"
       "order_difference\tunit\n";
 }
 
-void append_consensus_row(std::string& text, const DissectedArray& array) {
+void append_consensus_row(RowText& text, const DissectedArray& array) {
   const Dissection& dissection = array.dissection;
   append_number(text, array.number);
-  text += '\t' + tsv_name(array.array.sequence);
+  (text += '\t') += tsv_name(array.array.sequence);
   append_number(text += '\t', array.array.start + 1);
   append_number(text += '\t', array.array.end);
   append_number(text += '\t', static_cast<std::int64_t>(array.array.unit.size()));
@@ -123,7 +123,7 @@ void append_consensus_row(std::string& text, const DissectedArray& array) {
   append_order(text += '\t', dissection.higher_order);
   append_thousandths(text += '\t',
                      per_cent(dissection.higher_order.differing, dissection.higher_order.places));
-  text += '\t' + dissection.consensus + '\n';
+  ((text += '\t') += dissection.consensus) += '\n';
 }
 
 }  // namespace vorlan_tools

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "convert/row_text.h"
 #include "monomers/array_source.h"
 #include "monomers/dissect_array.h"
 
@@ -25,16 +26,16 @@ struct DissectedArray {
 /// One BED row for each copy: sequence, start, end, "array.copy", score, strand, bases, places of
 /// the unit, mismatches, insertions, deletions, divergence in %, position in the higher-order
 /// repeat.
-void append_monomer_rows(std::string& text, const DissectedArray& array);
+void append_monomer_rows(RowText& text, const DissectedArray& array);
 
 /// One FASTA record for each copy.
-void append_monomer_records(std::string& text, const DissectedArray& array);
+void append_monomer_records(RowText& text, const DissectedArray& array);
 
 /// The consensus as a FASTA record.
-void append_consensus_record(std::string& text, const DissectedArray& array);
+void append_consensus_record(RowText& text, const DissectedArray& array);
 
 /// The names of the columns, and a row.
-void append_consensus_head(std::string& text);
-void append_consensus_row(std::string& text, const DissectedArray& array);
+void append_consensus_head(RowText& text);
+void append_consensus_row(RowText& text, const DissectedArray& array);
 
 }  // namespace vorlan_tools

@@ -53,7 +53,7 @@ class Genome {
   bool is_read_ = false;
 };
 
-void append(std::string& text, const DissectedArray& array, ArrayRequest::Form form) {
+void append(RowText& text, const DissectedArray& array, ArrayRequest::Form form) {
   switch (form) {
     case ArrayRequest::Form::kMonomerBed:
       return append_monomer_rows(text, array);
@@ -73,7 +73,7 @@ void dissect_arrays(const ArrayRequest& request) {
   ArraySource source(request.arrays, request.filter);
   Genome genome(request.genome);
   OutputFile output(request.output, compression_by_name(request.output));
-  std::string text;
+  RowText text;
   if (request.form == ArrayRequest::Form::kConsensusTable) append_consensus_head(text);
   Array array;
   for (std::int64_t number = 1; source.next(array); ++number) {
@@ -86,10 +86,10 @@ void dissect_arrays(const ArrayRequest& request) {
         static_cast<std::size_t>(array.start), static_cast<std::size_t>(array.end - array.start));
     const Dissection dissection = dissect_array(bases, array.unit, request.begin);
     append(text, {number, array, bases, dissection}, request.form);
-    output.write(text);
+    output.write(text.view());
     text.clear();
   }
-  output.write(text);
+  output.write(text.view());
   output.finish();
 }
 

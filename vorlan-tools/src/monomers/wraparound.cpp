@@ -37,7 +37,7 @@ namespace {
 
 constexpr std::int32_t kMismatch = 2;
 constexpr std::int32_t kGap = 3;
-constexpr std::size_t kChoices = 16 * 1024 * 1024;
+constexpr std::size_t kChoices = std::size_t{16} * 1024 * 1024;
 
 using Kind = UnitStep::Kind;
 using Row = std::vector<std::int32_t>;

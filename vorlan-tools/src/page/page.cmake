@@ -7,8 +7,8 @@
 find_file(VORLAN_CHART_JS chart.min.js
   PATHS /usr/share/javascript/chart.js /usr/share/nodejs/chart.js/dist NO_DEFAULT_PATH REQUIRED)
 set(page_folder ${CMAKE_CURRENT_SOURCE_DIR}/src/page/page)
-set(page_scripts elements.js numbers.js theme.js unit_groups.js svg_recorder.js tables.js figures.js alignments.js
-  chart_configs.js unit_length_charts.js calibration_chart.js sequence_map.js summary.js comparison.js main.js)
+set(page_scripts elements.js numbers.js theme.js unit_groups.js svg_recorder.js tables.js printing.js figures.js
+  alignments.js chart_configs.js unit_length_charts.js calibration_chart.js sequence_map.js summary.js comparison.js main.js)
 set(page_files ${page_scripts})
 list(TRANSFORM page_files PREPEND ${page_folder}/)
 set(page_parts ${CMAKE_CURRENT_BINARY_DIR}/page_parts.cpp)

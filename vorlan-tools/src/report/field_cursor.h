@@ -36,6 +36,15 @@ class FieldCursor {
     return *this;
   }
 
+  /// The same for a text whose length is known when this is compiled: one comparison.
+  template <std::size_t kSize>
+  FieldCursor& literal(const char (&text)[kSize]) {
+    constexpr std::size_t kLength = kSize - 1;
+    if (rest_.size() < kLength || std::memcmp(rest_.data(), text, kLength) != 0) return fail();
+    rest_.remove_prefix(kLength);
+    return *this;
+  }
+
   FieldCursor& blanks() {
     while (!rest_.empty() && rest_[0] == ' ') rest_.remove_prefix(1);
     return *this;

@@ -59,14 +59,15 @@ class OutputTest(unittest.TestCase):
 
     def test_bgzip_by_option_and_by_name(self) -> None:
         plain = tools("convert", "-t", "bed", self.report)
-        for options, name in [(["-O", "z"], "x"), ([], "x.bed.gz")]:
+        for options, name in [(["-O", "z"], "x"), ([], "x.bed.gz"), ([], "x.bed.bgz"), ([], "x.bgzf")]:
             path = self.folder / name
             tools("convert", "-t", "bed", *options, self.report, "-o", path)
             self.assertEqual(path.read_bytes()[:4], b"\x1f\x8b\x08\x04")
             done = subprocess.run(["bgzip", "-dc", path], stdout=subprocess.PIPE, check=True)
             self.assertEqual(done.stdout, plain)
-        tools("convert", "-t", "bed", "-O", "u", self.report, "-o", self.folder / "x.gz")
-        self.assertEqual((self.folder / "x.gz").read_bytes(), plain)
+        for options, name in [(["-O", "u"], "x.gz"), ([], "x.bedgz"), ([], "x.gz.bed")]:
+            tools("convert", "-t", "bed", *options, self.report, "-o", self.folder / name)
+            self.assertEqual((self.folder / name).read_bytes(), plain)
 
     def test_threads_do_not_change_a_byte(self) -> None:
         run = random_run("threads", self.folder)

@@ -78,7 +78,7 @@ class Consumer {
       return;
     }
     format.append_repeat(text_, report_.repeat());
-    require(text_.find('\n') == text_.size() - 1, "a row is not one line");
+    require(text_.view().find('\n') == text_.size() - 1, "a row is not one line");
   }
 
   const ReportReader& report_;
@@ -86,7 +86,7 @@ class Consumer {
   vorlan_tools::Findings findings_;
   vorlan_tools::RepeatCheck check_;
   std::vector<std::unique_ptr<vorlan_tools::RowFormat>> formats_;
-  std::string text_;
+  vorlan_tools::RowText text_;
 };
 
 }  // namespace

@@ -262,6 +262,68 @@ class Looks(PageTest):
         self.assertEqual(levels.count("H1"), 1)
 
 
+class Paper(PageTest):
+    def for_paper(self, is_begun: bool) -> None:
+        """As before printing, or as behind it: the browser tells the page, and takes its style for paper."""
+        self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {
+            "media": "print" if is_begun else "", "features": [{"name": "prefers-color-scheme", "value": "dark"}]})
+        self.run_script("dispatchEvent(new Event(arguments[0]))", "beforeprint" if is_begun else "afterprint")
+        self.wait_for_frames()
+
+    def visible(self, selector: str) -> list[str]:
+        return self.run_script("return [...document.querySelectorAll(arguments[0])].filter(e => e.checkVisibility())"
+                               ".map(e => e.textContent)", selector)
+
+    def test_nothing_needs_the_pointer(self) -> None:
+        self.open_report(scheme="dark")
+        self.assertEqual(self.visible(".paper"), [])
+        self.for_paper(True)
+        settings = dict(zip(self.visible("#key-figures th"), self.visible("#key-figures td")))
+        self.assertEqual(settings["Maximum unit length"], "10")
+        self.assertEqual(self.visible("#repeats-by-unit-length tbody td:nth-child(2)"),
+                         [f"{repeats:,}" for repeats in self.sums("repeats")])
+        rows = sum(len(entry["repeats"]) for entry in self.genome["windows"]["sequences"])
+        self.assertGreater(rows, 40)
+        self.assertIn(f"{rows} rows", self.visible("#sequences-map .paper")[0])
+        units = len(self.genome["units"])
+        self.assertGreater(units, 40)
+        self.assertEqual(len(self.visible("#units tbody tr")), 40)
+        self.assertIn(f"The first 40 of {units} rows", self.visible("#units .paper")[0])
+        self.assertIn("unfolded", self.visible("#longest .paper")[0])
+        self.assertEqual(self.visible(".tools button, #choice, input"), [])
+        self.for_paper(False)
+        self.assertEqual(self.visible(".paper"), [])
+        self.assertEqual(self.texts("#repeats-by-unit-length td"), [])
+        self.assertEqual(self.visible("#key-figures th"), [])
+        self.assert_quiet()
+
+    def test_paper_is_white_and_holds_all_figures(self) -> None:
+        self.open_report(scheme="dark")
+        self.for_paper(True)
+        self.look_at_paper()
+        self.assertEqual(self.run_script("return getComputedStyle(document.body).backgroundColor"), "rgb(255, 255, 255)")
+        self.assertEqual(self.chart("copies", "return chart.options.plugins.legend.labels.color"), "#1b1f24")
+        beyond = self.run_script("""
+            return [...document.querySelectorAll('canvas, svg, table')].filter(e => e.checkVisibility()
+              && e.getBoundingClientRect().right > document.body.getBoundingClientRect().right)
+              .map(e => e.closest('section').id)""")
+        self.assertEqual(beyond, [])
+        inside = self.run_script("""
+            const frame = document.querySelector('#sequences-map svg').getBoundingClientRect();
+            return [...document.querySelectorAll('#sequences-map svg text')].every(e => {
+              const box = e.getBoundingClientRect();
+              return box.right <= frame.right && box.bottom <= frame.bottom;
+            })""")
+        self.assertTrue(inside)
+        self.for_paper(False)
+
+    def look_at_paper(self) -> None:
+        """The width of A4 between its margins; the page was drawn for that of a screen."""
+        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+            "width": 718, "height": 1000, "deviceScaleFactor": 1, "mobile": False})
+        self.wait_for_frames()
+
+
 class SeveralGenomes(PageTest):
     def test_comparison_and_choice(self) -> None:
         self.write("other.fa", genome_text(51, 2, 20))

@@ -23,9 +23,9 @@ Repeat example() {
 
 template <typename Append>
 std::string text_of(Append append) {
-  std::string text;
+  RowText text;
   append(text, example());
-  return text;
+  return std::string(text.view());
 }
 
 TEST(AlignmentStrings, SequenceIsTheReference) {

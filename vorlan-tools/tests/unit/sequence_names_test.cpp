@@ -20,9 +20,9 @@ std::string escaped(int byte) {
 }
 
 std::string value_of(int byte) {
-  std::string text = "before";
-  append_gff3_value(text, std::string(1, static_cast<char>(byte)));
-  return text.substr(6);
+  RowText text;
+  append_gff3_value(text += "before", std::string(1, static_cast<char>(byte)));
+  return std::string(text.view().substr(6));
 }
 
 // The page of the GFF3 format: tab, line feed, carriage return, % and control characters (00 to 1F,
@@ -57,6 +57,9 @@ TEST(JsonString, IsTheSameWithAndWithoutTheShortWay) {
     std::string appended;
     append_json_string(appended, text);
     EXPECT_EQ(appended, json_string(text, is_exact)) << byte;
+    RowText row;
+    append_json_string(row, text);
+    EXPECT_EQ(row.view(), appended) << byte;
     EXPECT_EQ(is_exact, byte < 0x80) << byte;
   }
 }

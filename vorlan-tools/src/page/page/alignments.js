@@ -45,11 +45,12 @@ function repeatText(repeat, sequence) {
 
 function repeatList(repeats, sequence = null) {
   if (repeats.length === 0) return make("p", {class: "soft"}, "There are none.");
-  return make("ol", {class: "repeats"}, ...repeats.map((repeat) => {
+  const note = paperNote("Of alignments, those are printed that are unfolded on the page.");
+  return make("div", {}, note, make("ol", {class: "repeats"}, ...repeats.map((repeat) => {
     const details = make("details", {}, make("summary", {}, repeatText(repeat, sequence ?? repeat.sequence)));
     details.addEventListener("toggle", () => {
       if (details.open && details.children.length === 1) details.append(alignmentElement(repeat));
     });
     return make("li", {}, details);
-  }));
+  })));
 }

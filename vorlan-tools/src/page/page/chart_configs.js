@@ -29,7 +29,7 @@ function chartConfig(colours, {type = "bar", labels, datasets, x, y, stacked = f
         y: axis(colours, y, {stacked, ticks, ...(logarithmic ? {type: "logarithmic", min: 0.8, suggestedMax: 1.6 * largest} : {beginAtZero: true})}),
       },
       plugins: {
-        legend: {display: datasets.length > 1, labels: {color: colours.text, boxWidth: 14}},
+        legend: {display: datasets.length > 1, labels: {color: colours.text, boxWidth: 14, usePointStyle: type === "line"}},
         tooltip: {
           filter: (item) => item.parsed.y > 0,
           callbacks: {

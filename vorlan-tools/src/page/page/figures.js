@@ -21,6 +21,7 @@ function figureSection(genome, {id, title, note, isHalf, columns, rows}, drawing
     holder.replaceChildren(...(isOpen ? [] : [sortableTable(columns, rows, {caption: title})]));
   });
   toggle.setAttribute("aria-expanded", "false");
+  printNumbers(holder, columns, rows, title);
   const buttons = make("div", {class: "tools"}, toggle,
     saveButton("CSV", () => save(fileName(genome, id, "csv"), "text/csv", csvOf(columns, rows))),
     saveButton("SVG", () => save(fileName(genome, id, "svg"), "image/svg+xml", savers.svg())),
@@ -93,11 +94,14 @@ function chartFigure(genome, about, configure) {
 function drawCharts() {
   for (const live of liveCharts) {
     live.chart?.destroy();
-    live.chart = new Chart(live.canvas, live.configure(theme()));
+    const config = live.configure(theme());
+    if (isPrinting) config.options.devicePixelRatio = 2;
+    live.chart = new Chart(live.canvas, config);
   }
 }
 
 function forgetCharts() {
   for (const live of liveCharts) live.chart?.destroy();
   liveCharts.length = 0;
+  printedParts.length = 0;
 }

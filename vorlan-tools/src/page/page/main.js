@@ -59,10 +59,12 @@ function begin() {
 darkScheme.addEventListener("change", draw);
 addEventListener("beforeprint", () => {
   isPrinting = true;
+  prepareForPaper();
   draw();
 });
 addEventListener("afterprint", () => {
   isPrinting = false;
+  leavePaper();
   draw();
 });
 let waiting = null;

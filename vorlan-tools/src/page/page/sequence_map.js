@@ -8,6 +8,8 @@
 const rowHeights = {few: 28, many: 13};
 const fewSequences = 4;
 const rowGap = 6;
+// So that names and numbers on paper are as large as other text.
+const paperWidth = 720;
 const nameLength = 20;
 
 function windowsOf(genome) {
@@ -52,21 +54,23 @@ function rowHeightOf(genome) {
   return genome.windows.sequences.length <= fewSequences ? rowHeights.few : rowHeights.many;
 }
 
-function mapHeight(genome) {
-  const rows = genome.windows.sequences.length + (genome.other_sequences.sequences > 0 ? 1 : 0);
-  return rows * (rowHeightOf(genome) + rowGap) + 34;
-}
-
-function mapLegend(colours, borders, left, y) {
+/// The classes in lines between `left` and `right`; `bottom` is where the last line ends.
+function mapLegend(colours, borders, left, right, top) {
   const group = makeSvg("g", {"font-size": 12, fill: colours.soft});
   const steps = [[0, "none"], ...borders.map((border, i) => [border, `${i ? `${shown(borders[i - 1])}-` : "up to "}${shown(border)} %`])];
   let x = left;
+  let y = top;
   for (const [border, text] of steps) {
+    const width = 34 + 7 * text.length;
+    if (x > left && x + width > right) {
+      x = left;
+      y += 18;
+    }
     group.append(makeSvg("rect", {x, y, width: 14, height: 12, fill: densityColour(colours, borders, border), stroke: colours.line}),
       makeSvg("text", {x: x + 19, y: y + 10.5}, text));
-    x += 34 + 7 * text.length;
+    x += width;
   }
-  return group;
+  return {group, bottom: y + 12};
 }
 
 /// The drawing for a width in pixels, with a rectangle for each window.
@@ -79,12 +83,11 @@ function mapDrawing(genome, width, colours) {
   const scale = (width - labelWidth - 90) / longest;
   const others = genome.other_sequences;
   const rows = sequences.length + (others.sequences > 0 ? 1 : 0);
-  const height = mapHeight(genome);
   const rowHeight = rowHeightOf(genome);
   const rowStep = rowHeight + rowGap;
   const baseline = rowHeight / 2 + 4;
   const svg = makeSvg("svg", {
-    xmlns: "http://www.w3.org/2000/svg", viewBox: `0 0 ${width} ${height}`, width, height, "font-family": "sans-serif",
+    xmlns: "http://www.w3.org/2000/svg", "font-family": "sans-serif",
   });
   const tiles = [];
   sequences.forEach((sequence, row) => {
@@ -107,8 +110,11 @@ function mapDrawing(genome, width, colours) {
     const y = sequences.length * rowStep;
     svg.append(makeSvg("text", {x: labelWidth, y: y + baseline, "font-size": 12, fill: colours.soft}, othersText(others)));
   }
-  svg.append(mapLegend(colours, borders, labelWidth, rows * rowStep + 14));
-  return {svg, tiles};
+  const legend = mapLegend(colours, borders, labelWidth, width, rows * rowStep + 14);
+  svg.append(legend.group);
+  const height = legend.bottom + 8;
+  for (const [name, value] of Object.entries({viewBox: `0 0 ${width} ${height}`, width, height})) svg.setAttribute(name, value);
+  return {svg, tiles, height};
 }
 
 function othersText(others) {
@@ -159,7 +165,7 @@ function mapFigure(genome) {
   }
 
   function draw() {
-    const made = mapDrawing(genome, Math.max(640, Math.floor(holder.clientWidth || 960)), theme());
+    const made = mapDrawing(genome, isPrinting ? paperWidth : Math.max(640, Math.floor(holder.clientWidth || 960)), theme());
     tiles = made.tiles;
     selected = -1;
     const windowOf = new Map(tiles.map(({tile, window}) => [tile, window]));
@@ -181,12 +187,20 @@ function mapFigure(genome) {
     holder.replaceChildren(made.svg);
   }
 
-  const saved = () => new XMLSerializer().serializeToString(mapDrawing(genome, 1200, lightTheme).svg);
+  const savedWidth = 1200;
+  const forFile = () => mapDrawing(genome, savedWidth, lightTheme);
+  const textOf = ({svg}) => new XMLSerializer().serializeToString(svg);
   const section = figureSection(genome, {
     id: "sequences-map", title: "Along the sequences",
     note: `Share of bases in repeats in windows of ${sizeOf(genome.windows.size)}; each colour holds equally many windows. `
       + "Point at a window for its numbers, click on it for its longest repeats.",
     columns: mapColumns(), rows: windowsOf(genome).flatMap(({windows}) => windows),
-  }, make("div", {}, holder, place), {svg: saved, png: () => svgAsPng(saved(), 1200, mapHeight(genome))});
+  }, make("div", {}, holder, place), {
+    svg: () => textOf(forFile()),
+    png: () => {
+      const drawing = forFile();
+      return svgAsPng(textOf(drawing), savedWidth, drawing.height);
+    },
+  });
   return {section, draw};
 }

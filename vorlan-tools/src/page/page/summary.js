@@ -34,8 +34,8 @@ function sentences(genome) {
 function settingsElement(genome) {
   const rows = genome.settings.map(([label, value]) => make("tr", {}, make("th", {scope: "row", class: "text"}, label),
     make("td", {class: "text"}, value)));
-  return make("details", {}, make("summary", {}, "Settings of the search"),
-    make("div", {class: "wide"}, make("table", {}, make("tbody", {}, ...rows))));
+  return printUnfolded(make("details", {}, make("summary", {}, "Settings of the search"),
+    make("div", {class: "wide"}, make("table", {}, make("tbody", {}, ...rows)))));
 }
 
 function keySection(genome) {

@@ -63,7 +63,9 @@ function sortableTable(columns, rows, {caption = "", label = caption, filter = n
 
   fill();
   const table = make("table", {}, count, make("thead", {}, make("tr", {}, ...heads)), body);
-  const scroll = make("div", {class: "wide tall", tabindex: "0", role: "region", "aria-label": label}, table);
+  const isCut = rows.length > mostPrintedRows;
+  const scroll = make("div", {class: "wide tall", tabindex: "0", role: "region", "aria-label": label}, table, isCut
+    ? paperNote(`The first ${mostPrintedRows} of ${shown(rows.length)} rows; the button CSV of the page gives all.`) : null);
   if (!filter) return scroll;
   const box = make("input", {type: "search", placeholder: `Filter: ${filter.title}`, "aria-label": `Filter: ${filter.title}`});
   box.addEventListener("input", () => {
