@@ -68,22 +68,19 @@ class BitLookAhead {
                                 most_edits);
   }
 
-  /// The move of LeapAhead::best_move at `front`, at level 0, when it can be told.
-  std::optional<Move> best_move(const Front& front, std::int64_t score) {
+  /// The move of LeapAhead::best_move at `front`, at level 0, when it can be told. `best` is the
+  /// best score so far.
+  std::optional<Move> best_move(const Front& front, std::int64_t score, std::int64_t best) {
     if (planes_ == nullptr || !decides_) return {};
     start_masks(front, scoring_.deepest_level());
     masks_.open(scoring_.deepest_level());
-    if (masks_.has_N()) return {};
-    const PlaceSetsPlan plan{static_cast<std::int32_t>(scoring_.mismatch_score),
-                             static_cast<std::int32_t>(scoring_.indel_score),
-                             scoring_.deepest_level()};
-    const std::int32_t threshold = relative(scoring_.threshold(score, unit_.length()), score);
-    FirstEdit edit = memory_.choose_first_edit(plan, {{masks_.words(0), nullptr}}, threshold);
-    if (edit == FirstEdit::kUnknown) {
-      edit = memory_.choose_first_edit(plan, {{masks_.words(0), masks_.words(1)}}, threshold);
-      if (masks_.has_N()) return {};
-    }
-    return move_of(edit);
+    const std::int64_t threshold = scoring_.threshold(best, unit_.length());
+    const FirstEditChoice choice = choose(relative(threshold, score));
+    const std::int64_t highest = std::max(best, score + choice.value);
+    const std::int64_t highest_threshold = scoring_.threshold(highest, unit_.length());
+    const bool is_certain = highest_threshold == threshold ||
+                            choose(relative(highest_threshold, score)) == choice;
+    return is_certain && !masks_.has_N() ? move_of(choice.edit) : std::nullopt;
   }
 
  private:
@@ -93,10 +90,20 @@ class BitLookAhead {
   static constexpr std::int64_t kMoreEdits = 3;
 
   static bool can_decide(const Scoring& scoring) {
-    return scoring.has_constant_threshold() && scoring.deepest_level() > 0 &&
-           scoring.deepest_level() <= kMostEditsOfSets &&
+    return scoring.deepest_level() > 0 && scoring.deepest_level() <= kMostEditsOfSets &&
            // So many edits stay above a threshold that was clamped to -kLargest.
            scoring.dearest_edit() * kMostEditsOfSets > -std::int64_t{Comeback<Direction>::kLargest};
+  }
+
+  // Looks further where that is needed.
+  FirstEditChoice choose(std::int32_t threshold) {
+    const PlaceSetsPlan plan{static_cast<std::int32_t>(scoring_.mismatch_score),
+                             static_cast<std::int32_t>(scoring_.indel_score),
+                             scoring_.deepest_level()};
+    const FirstEditChoice choice =
+        memory_.choose_first_edit(plan, {{masks_.words(0), nullptr}}, threshold);
+    if (choice.edit != FirstEdit::kUnknown) return choice;
+    return memory_.choose_first_edit(plan, {{masks_.words(0), masks_.words(1)}}, threshold);
   }
 
   static std::optional<Move> move_of(FirstEdit edit) {

@@ -32,7 +32,7 @@ class LookAhead {
   /// The move of LeapAhead::best_move.
   Move best_move(const Front& front, std::int64_t score, std::uint8_t level, std::int64_t best) {
     if (by_bits_ && level == 0) {
-      if (const std::optional<Move> move = bits_.best_move(front, score)) return *move;
+      if (const std::optional<Move> move = bits_.best_move(front, score, best)) return *move;
     }
     if (is_merged_ && level == 0 && merged_.can_decide(score) && !has_few_paths(score)) {
       return merged_.best_move(front, score);

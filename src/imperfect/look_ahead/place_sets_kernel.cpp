@@ -109,12 +109,12 @@ class Decision {
   Decision(const PlaceSetsPlan& plan, const DiagonalWords& differs, std::int32_t threshold)
       : plan_(plan), differs_(differs), threshold_(threshold) {}
 
-  FirstEdit choose() {
+  FirstEditChoice choose() {
     make_first_edits();
     make_edits_from<2>();
     // Sets that are moved by their deletions must not lose a place.
     const bool is_known = all_.from(kWords * kBits - 1 - plan_.most_edits).is_empty();
-    return is_known ? best() : FirstEdit::kUnknown;
+    return is_known ? best() : FirstEditChoice{FirstEdit::kUnknown, kNoScore};
   }
 
  private:
@@ -220,12 +220,13 @@ class Decision {
     }
   }
 
-  FirstEdit best() const {
+  FirstEditChoice best() const {
     std::int32_t best = 0;
     for (std::int32_t first = 1; first < kFirstMoves; ++first) {
       if (values_[first] > values_[best]) best = first;
     }
-    return values_[best] == kNoScore ? FirstEdit::kNone : static_cast<FirstEdit>(best);
+    const std::int32_t value = values_[best];
+    return {value == kNoScore ? FirstEdit::kNone : static_cast<FirstEdit>(best), value};
   }
 
   const PlaceSetsPlan plan_;
@@ -239,7 +240,8 @@ class Decision {
 };
 
 template <std::int32_t kWords>
-FirstEdit choose(const PlaceSetsPlan& plan, const DiagonalWords& differs, std::int32_t threshold) {
+FirstEditChoice choose(const PlaceSetsPlan& plan, const DiagonalWords& differs,
+                       std::int32_t threshold) {
   const std::int32_t dearest =
       plan.mismatch_score < plan.indel_score ? plan.mismatch_score : plan.indel_score;
   if (threshold < plan.most_edits * dearest) {
@@ -250,8 +252,8 @@ FirstEdit choose(const PlaceSetsPlan& plan, const DiagonalWords& differs, std::i
 
 }  // namespace
 
-FirstEdit choose_first_edit(const PlaceSetsPlan& plan, const DiagonalWords& differs,
-                            std::int32_t threshold) {
+FirstEditChoice choose_first_edit(const PlaceSetsPlan& plan, const DiagonalWords& differs,
+                                  std::int32_t threshold) {
   return differs.words[1] == nullptr ? choose<1>(plan, differs, threshold)
                                      : choose<2>(plan, differs, threshold);
 }

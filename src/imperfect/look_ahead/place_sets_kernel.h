@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-// The look-ahead without a limit of the score reduction, by numbers of edits instead of path by
-// path.
+// The look-ahead by numbers of edits instead of path by path.
 //
 // Idea: a path's score is the place it has come to (residues consumed since the decision) plus what
 // its edits cost, where an insertion or a mismatch costs one more for the residue that it consumes
@@ -22,12 +21,17 @@
 // first moves lie side by side in the lanes of a register. The value of a first move is the highest
 // score in its sets.
 //
-// Why it gives the same decision. Without a limit the threshold is a constant, so the value of a
-// first move is the highest score over all paths that begin with it, and every path of the
-// look-ahead is in the sets, as long as every edit of it leaves a score above the threshold: from
-// each set the places are taken whose score is too low. A path that has come to the end of the
-// sequence goes on here, but nothing matches there, and each edit costs more than it gains: such
-// paths are worth less than before, under the same first move.
+// Why it gives the same decision. With a constant threshold the value of a first move is the
+// highest score over all paths that begin with it, and every path of the look-ahead is in the sets,
+// as long as every edit of it leaves a score above the threshold: from each set the places are
+// taken whose score is too low. A path that has come to the end of the sequence goes on here, but
+// nothing matches there, and each edit costs more than it gains: such paths are worth less than
+// before, under the same first move.
+//
+// With a limit of the score reduction the threshold rises with the best score on a path. It is at
+// least that of the best score so far, and at most that of the highest score that is reached with
+// this one: the look-ahead goes all paths that stay above the higher of the two, and none that do
+// not stay above the lower. Where both give the same edit the same value, so does the look-ahead.
 //
 // Example, unit AC at ..|GTACAC: mismatch, then insertion, and insertion, then mismatch, arrive at
 // the same place: one bit. An insertion alone and a mismatch alone do not, since their diagonals
@@ -65,11 +69,19 @@ struct DiagonalWords {
 /// The first moves, in the order that decides ties, and what else a decision may be.
 enum class FirstEdit : std::int8_t { kMismatch, kInsertion, kDeletion, kNone, kUnknown };
 
+/// A decision, and what it is worth if it is an edit. Scores are relative to that at the decision.
+struct FirstEditChoice {
+  FirstEdit edit;
+  std::int32_t value;
+
+  friend bool operator==(const FirstEditChoice&, const FirstEditChoice&) = default;
+};
+
 /// The edit that the look-ahead values most, kNone when the threshold allows none, kUnknown when
-/// that cannot be told. An edit is made only while the score, relative to the decision, stays above
-/// `threshold`. Requires scores whose sums fit 32 bits.
-using ChooseFirstEdit = FirstEdit(const PlaceSetsPlan& plan, const DiagonalWords& differs,
-                                  std::int32_t threshold);
+/// that cannot be told. An edit is made only while the score stays above `threshold`. Requires
+/// scores whose sums fit 32 bits.
+using ChooseFirstEdit = FirstEditChoice(const PlaceSetsPlan& plan, const DiagonalWords& differs,
+                                        std::int32_t threshold);
 
 /// The function of one instruction set.
 struct PlaceSetsKernel {

@@ -133,7 +133,7 @@ class BitLookAheadTest : public FreshSettings {
     BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
                                  given.memory);
     for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move({place, cursor}, score);
+      const auto move = bits.best_move({place, cursor}, score, score);
       if (!move) return;
       ++told_;
       const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
@@ -280,7 +280,7 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
     BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
                                  given.memory);
     this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move({place, cursor}, score);
+      const auto move = bits.best_move({place, cursor}, score, score);
       if (!move) return;
       ++this->told_;
       const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
@@ -292,15 +292,32 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
   for (const long times : this->chosen_) EXPECT_GT(times, 20);
 }
 
-TYPED_TEST(BitLookAheadTest, LeavesDecisionsToOthersWhenTheScoreReductionIsLimited) {
-  Settings settings;
-  settings.maximum_scorereduction = 20;
-  reference::set_settings_of_the_product(settings);
-  const typename TestFixture::Case given("ACACACACTCACACAC", 4, 2);
-  const Scoring alignment = Scoring::of_the_run();
-  BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
-                               given.memory);
-  EXPECT_FALSE(bits.best_move({given.dna.at(8), given.unit.begin}, 10));
+TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionWhenTheScoreReductionIsLimited) {
+  for (int seed = 0; seed < 250 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(static_cast<std::uint64_t>(seed));
+    Settings settings = random_unlimited_settings(random);
+    settings.maximum_scorereduction = random.between(1, random.per_cent(50) ? 6 : 40);
+    settings.mismatch_score = random.between(-4, -2);
+    settings.indel_score = random.between(-4, -2);
+    reference::set_settings_of_the_product(settings);
+    const auto given = this->random_case(random);
+    const Scoring alignment = Scoring::of_the_run();
+    const LeapAhead<TypeParam> plain(alignment, given.unit, given.stop);
+    BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
+                                 given.memory);
+    this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
+      const std::int64_t best = score + random.between(0, 8);
+      const auto move = bits.best_move({place, cursor}, score, best);
+      if (!move) return;
+      const Move expected = plain.best_move({place, cursor}, score, 0, best).move;
+      ++this->chosen_[static_cast<std::size_t>(expected)];
+      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
+          << "score " << score << ", best " << best;
+    });
+    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+  }
+  for (const long times : this->chosen_) EXPECT_GT(times, 20);
 }
 
 TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInAllShortTexts) {

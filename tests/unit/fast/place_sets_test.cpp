@@ -60,12 +60,13 @@ class PathByPath {
              std::int32_t threshold)
       : plan_(plan), masks_(masks), last_place_(words * kBits - 1), threshold_(threshold) {}
 
-  FirstEdit choice() {
+  FirstEditChoice choice() {
     values_.fill(kNoScore);
     for (first_ = 0; first_ < values_.size(); ++first_) edit(first_, {});
-    if (furthest_ >= last_place_ - plan_.most_edits) return FirstEdit::kUnknown;
+    if (furthest_ >= last_place_ - plan_.most_edits) return {FirstEdit::kUnknown, 0};
     const auto best = std::max_element(values_.begin(), values_.end());
-    return *best == kNoScore ? FirstEdit::kNone : static_cast<FirstEdit>(best - values_.begin());
+    if (*best == kNoScore) return {FirstEdit::kNone, 0};
+    return {static_cast<FirstEdit>(best - values_.begin()), *best};
   }
 
  private:
@@ -111,12 +112,16 @@ TEST(PlaceSets, AllKernelsChooseWhatIsBestPathByPath) {
     const Masks masks(random, random.between(10, 95));
     const std::int32_t threshold = random.between(-60, 0);
     for (const std::int32_t words : {1, 2}) {
-      const FirstEdit expected = PathByPath(plan, masks, words, threshold).choice();
-      ++choices[static_cast<std::size_t>(words - 1)][static_cast<std::size_t>(expected)];
+      const FirstEditChoice expected = PathByPath(plan, masks, words, threshold).choice();
+      ++choices[static_cast<std::size_t>(words - 1)][static_cast<std::size_t>(expected.edit)];
       for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
-        ASSERT_EQ(kernel.choose(plan, masks.words(words), threshold), expected)
+        const FirstEditChoice choice = kernel.choose(plan, masks.words(words), threshold);
+        ASSERT_EQ(choice.edit, expected.edit)
             << kernel.name << ", seed " << seed << ", words " << words << ", depth "
             << plan.most_edits;
+        if (expected.edit < FirstEdit::kNone) {
+          ASSERT_EQ(choice.value, expected.value);
+        }
       }
     }
   }
@@ -137,8 +142,8 @@ TEST(PlaceSets, APathThatWalksFromOneWordIntoTheNextArrivesWhereItWould) {
   words[1][1] = ~std::uint64_t{0} << 6;
   const PlaceSetsPlan plan{-5, -5, 1};
   for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
-    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], nullptr}}, -10), FirstEdit::kUnknown);
-    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], &words[1][1]}}, -10), FirstEdit::kMismatch);
+    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], nullptr}}, -10).edit, FirstEdit::kUnknown);
+    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], &words[1][1]}}, -10).edit, FirstEdit::kMismatch);
   }
 }
 

@@ -91,7 +91,7 @@ TEST_F(BoundExamples, PlaceSetsKernelH) {
 
   const LeapAhead<Forward> plain(decision.scoring, decision.unit, decision.dna.end());
   for (std::int64_t score = 0; score < 30; ++score) {
-    EXPECT_EQ(decision.bits.best_move(decision.front(), score),
+    EXPECT_EQ(decision.bits.best_move(decision.front(), score, score),
               plain.best_move(decision.front(), score, 0, score).move)
         << "score " << score;
   }
