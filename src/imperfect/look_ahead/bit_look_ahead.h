@@ -78,8 +78,8 @@ class BitLookAhead {
     const FirstEditChoice choice = choose(relative(threshold, score));
     const std::int64_t highest = std::max(best, score + choice.value);
     const std::int64_t highest_threshold = scoring_.threshold(highest, unit_.length());
-    const bool is_certain = highest_threshold == threshold ||
-                            choose(relative(highest_threshold, score)) == choice;
+    const bool is_certain =
+        highest_threshold == threshold || choose(relative(highest_threshold, score)) == choice;
     return is_certain && !masks_.has_N() ? move_of(choice.edit) : std::nullopt;
   }
 

@@ -116,9 +116,8 @@ TEST(PlaceSets, AllKernelsChooseWhatIsBestPathByPath) {
       ++choices[static_cast<std::size_t>(words - 1)][static_cast<std::size_t>(expected.edit)];
       for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
         const FirstEditChoice choice = kernel.choose(plan, masks.words(words), threshold);
-        ASSERT_EQ(choice.edit, expected.edit)
-            << kernel.name << ", seed " << seed << ", words " << words << ", depth "
-            << plan.most_edits;
+        ASSERT_EQ(choice.edit, expected.edit) << kernel.name << ", seed " << seed << ", words "
+                                              << words << ", depth " << plan.most_edits;
         if (expected.edit < FirstEdit::kNone) {
           ASSERT_EQ(choice.value, expected.value);
         }
