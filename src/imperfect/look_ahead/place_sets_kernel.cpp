@@ -43,12 +43,14 @@ struct Words {
 };
 
 std::uint64_t word(const Words& words, std::int32_t i) {
-  return (i < 2 ? words.low : words.high)[i % 2];
+  const Pair& pair = i < 2 ? words.low : words.high;
+  return pair[i % 2];
 }
 Words in_all(std::uint64_t word) { return {Pair{} + word, Pair{} + word}; }
 Words in_lane(std::int32_t i, std::uint64_t word) {
   Words words{};
-  (i < 2 ? words.low : words.high)[i % 2] = word;
+  Pair& pair = i < 2 ? words.low : words.high;
+  pair[i % 2] = word;
   return words;
 }
 #endif
