@@ -6,13 +6,10 @@
 //   glance/, close_look/   the two looks of the filter, by each kernel that this processor can run;
 //                          items are starts that are judged
 //   wraparound/            the bound behind the filter, by kernel; items are starts that are judged
-//   look_ahead/            all decisions on the way through an array, by each of the look-aheads,
-//   and
-//                          by each kernel of the one by bits;
-//                          items are decisions
-//   extension/             through an array, by steps, with ways that are new, and over stored
-//   ways;
-//                          items are residues
+//   look_ahead/            all decisions on the way through an array, by each look-ahead, and by
+//                          each kernel of the one by bits; items are decisions
+//   extension/             through an array, by steps, with ways that are new, and over
+//                          stored ones; items are residues
 
 #include "engine_kernels.h"
 

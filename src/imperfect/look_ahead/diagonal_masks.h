@@ -78,7 +78,7 @@ class DiagonalMasks {
   }
 
   /// Where the kBits residues of a word do not match on diagonal 0, the lowest bit for the nearest.
-  /// The words of the other open diagonals lie beside it, in their order.
+  /// The words of the other open diagonals lie beside it, in their order. Requires word < kWords.
   const std::uint64_t* words(std::int32_t word) {
     for (; words_ <= word; ++words_) write_masks(words_);
     return &mask(word, 0);

@@ -100,8 +100,9 @@ class StoredWays {
   static constexpr std::int64_t kWorthStoring = 10;
 
   /// Nearly every start of a long unit has a unit of its own, since neighbouring copies differ
-  /// somewhere. Its ways help no other extension before they have gone over several copies: their
-  /// starts are those that do. Chosen by the bench, table "Tuning".
+  /// somewhere, so few extensions meet. Ways are stored only behind several copies, where going on
+  /// would cost most: from this many points for each base above kLongUnit. Chosen by the bench,
+  /// table "Tuning".
   static constexpr std::int64_t kLongUnit = 16;
   static constexpr std::int64_t kWorthStoringLongUnit = 4;
 
