@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -70,12 +71,17 @@ TEST_F(BoundExamples, DiagonalMasksH) {
   EXPECT_EQ(bits(-1), "1111");
 }
 
-TEST_F(BoundExamples, PlaceSetsKernelHSum) {
-  constexpr unsigned kMatches = 0b01110011;
-  constexpr unsigned kArrivals = 0b00100010;
-  constexpr unsigned kSum = kMatches + (kArrivals & kMatches);
-  EXPECT_EQ(kSum, 0b10010101U);
-  EXPECT_EQ(kSum & ~kMatches, 0b10000100U);
+// The drawing: one mismatch leads to place 1 and its walk to 2; two more to 4 and, over three
+// matches, to 7. Mismatches cost a point, and the threshold forbids indels.
+TEST_F(BoundExamples, PlaceSetsKernelHDrawing) {
+  std::array<std::uint64_t, 7> differs{};
+  differs.fill(~std::uint64_t{0});
+  differs[3] = ~std::uint64_t{0b01110011};
+  for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
+    const DiagonalWords words{{&differs[3], nullptr}};
+    EXPECT_EQ(kernel.choose({-1, -9, 1}, words, -5), (FirstEditChoice{FirstEdit::kMismatch, 0}));
+    EXPECT_EQ(kernel.choose({-1, -9, 3}, words, -5), (FirstEditChoice{FirstEdit::kMismatch, 1}));
+  }
 }
 
 TEST_F(BoundExamples, PlaceSetsKernelH) {
