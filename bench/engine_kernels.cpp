@@ -109,8 +109,7 @@ void wraparound_kernel(benchmark::State& state, const vorlan::WraparoundKernel& 
                        std::ptrdiff_t unit_length) {
   const std::string residues = kernel_inputs::background(kBoundText, kernel_inputs::kHalf);
   const int min_score = std::max(kLeastScore, static_cast<int>(unit_length));
-  vorlan::WraparoundBound bound(residues.data(), residues.data() + residues.size(), unit_length,
-                                min_score, {&kernel, 1});
+  vorlan::WraparoundBound bound(residues, {unit_length, unit_length}, min_score, 1, {&kernel, 1});
   std::vector<std::ptrdiff_t> starts(kernel.register_bytes);
   const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(residues.size()) - unit_length;
   std::int64_t judged = 0;

@@ -62,7 +62,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
   MarkPainter marks(anchors, record);
   StartQueue queue(record, scan.starts(), unit_len, thresholds.score, marks,
                    {.in_series = is_known ? series_survivors_ : nullptr,
-                    .similar = is_known ? nullptr : similar_starts(unit_len)});
+                    .similar = is_known ? SimilarStarts{} : similar_starts(unit_len, anchors)});
   SpareSat spare;
   while (queue.next_block()) {
     report_progress(progress, queue.block_end());

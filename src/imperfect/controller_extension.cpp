@@ -18,8 +18,8 @@ RecordSearch& CSearchController::record_search(SeedKind seed) {
   return *record_search_;
 }
 
-const SparseStarts* CSearchController::similar_starts(unsigned unit_length) {
-  return record_search(SeedKind::kUnit).similar_starts(unit_length, *minScores, [&] {
+SimilarStarts CSearchController::similar_starts(unsigned unit_length, const CAnchorSeq& anchors) {
+  return record_search(SeedKind::kUnit).similar_starts(unit_length, *minScores, anchors, [&] {
     if (!console_.check_report_status()) return;
     console_.report_status(sequence_number, sequence.name.terminate(), unit_length, 'r');
   });

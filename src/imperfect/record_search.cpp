@@ -34,25 +34,31 @@ RecordSearch::RecordSearch(std::string_view residues, unsigned longest_unit, See
       scoring_(Scoring::for_sequence(residues.size())),
       planes_(residues.data(), residues.size(), margin_of_planes(longest_unit)),
       ways_(residues.data(), scoring_),
-      shares_ways_(accelerations.shared_ways && StoredWays::can_share(scoring_)) {}
+      shares_ways_(accelerations.shared_ways && StoredWays::can_share(scoring_)),
+      joint_bound_(residues) {}
 
-const SparseStarts* RecordSearch::similar_starts(unsigned unit_length,
-                                                 const UnitLengthThresholds& min_scores,
-                                                 const std::function<void()>& is_working) {
+SimilarStarts RecordSearch::similar_starts(unsigned unit_length,
+                                           const UnitLengthThresholds& min_scores,
+                                           const CAnchorSeq& anchors,
+                                           const std::function<void()>& is_working) {
   const FirstCopyBound bound(scoring_, unit_length);
   const auto can_judge = [&](unsigned length) {
     return length <= longest_unit_ && bound.can_judge(length, min_scores[length]);
   };
-  if (!accelerations_.self_alignment || !can_judge(unit_length)) return nullptr;
+  if (!accelerations_.self_alignment || !can_judge(unit_length)) return {};
   if (!self_alignment_) self_alignment_.emplace(residues_);
   if (!self_alignment_->has_judged(unit_length)) {
     unsigned last = unit_length;
     while (can_judge(last + 1)) ++last;
-    if (!FirstCopyBound::is_worth_it(unit_length, last)) return nullptr;
+    if (!FirstCopyBound::is_worth_it(unit_length, last)) return {};
     self_alignment_->judge(
         bound, unit_length, last, [&](unsigned length) { return min_scores[length]; }, is_working);
   }
-  return &self_alignment_->survivors(unit_length);
+  const bool are_bounded =
+      accelerations_.joint_bound &&
+      joint_bound_.narrow_down(unit_length, self_alignment_->survivors_from(unit_length),
+                               min_scores, anchors, is_working);
+  return {&self_alignment_->survivors(unit_length), are_bounded};
 }
 
 // Forward nothing above the seed's own score is found, so the backward extension begins with that

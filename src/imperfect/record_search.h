@@ -14,8 +14,10 @@
 #include "imperfect/scoring.h"
 #include "imperfect/self_alignment/self_alignment.h"
 #include "imperfect/ways/stored_ways.h"
+#include "imperfect/wraparound/joint_bound.h"
 #include "search/accelerations.h"
 #include "search/bit_planes.h"
+#include "search/canchorseq.h"
 #include "search/csat.h"
 #include "search/thresholds.h"
 
@@ -25,6 +27,12 @@ namespace vorlan {
 struct Thresholds {
   int score;
   int length;
+};
+
+/// What the self-alignment of a record lets pass of one unit length.
+struct SimilarStarts {
+  const SparseStarts* starts = nullptr;  ///< Null where nothing can be told.
+  bool are_bounded = false;              ///< Whether the wraparound bound has judged them.
 };
 
 /// What the imperfect searches of one record share, and the extension of its candidates. Lives from
@@ -69,12 +77,13 @@ class RecordSearch {
   StoredWays* shared_ways() { return shares_ways_ ? &ways_ : nullptr; }
 
   /// The starts of a unit length that resemble the sequence one unit length on, outside of which
-  /// none is accepted; null where that cannot be told (self_alignment/first_copy_bound.h). Judges a
-  /// band of unit lengths when the first of them is asked for, up to the longest if they find room:
-  /// ask in rising order. The starts stay until the next band is judged. `is_working` is called
-  /// several times a second.
-  const SparseStarts* similar_starts(unsigned unit_length, const UnitLengthThresholds& min_scores,
-                                     const std::function<void()>& is_working);
+  /// none is accepted; none where that cannot be told (self_alignment/first_copy_bound.h). Of those
+  /// that `anchors` allow, the hopeless ones are left out (wraparound/joint_bound.h). Judges a band
+  /// of unit lengths when the first of them is asked for, up to the longest if they find room: ask
+  /// in rising order. The starts stay until the next band is judged. `is_working` is called several
+  /// times a second.
+  SimilarStarts similar_starts(unsigned unit_length, const UnitLengthThresholds& min_scores,
+                               const CAnchorSeq& anchors, const std::function<void()>& is_working);
 
   /// Whether a perfect repeat may reach `min_score` when it is extended over edits, as far as can
   /// be told from what lies right behind its ends. False is a proof.
@@ -111,6 +120,7 @@ class RecordSearch {
   StoredWays ways_;
   bool shares_ways_;
   std::optional<SelfAlignment> self_alignment_;  ///< Made when it is first needed.
+  JointBound joint_bound_;
 };
 
 }  // namespace vorlan

@@ -18,6 +18,7 @@ struct Accelerations {
   bool candidate_filter = true;   ///< imperfect/filter/candidate_filter.h
   bool self_alignment = true;     ///< imperfect/self_alignment/first_copy_bound.h
   bool wraparound = true;         ///< imperfect/wraparound/wraparound_kernel.h
+  bool joint_bound = true;        ///< imperfect/wraparound/joint_bound.h; on the self-alignment
   bool series_filter = true;      ///< imperfect/filter/series_filter.h; with both filters above
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
   bool bit_look_ahead = true;     ///< imperfect/look_ahead/place_sets_kernel.h
@@ -41,6 +42,7 @@ inline constexpr NamedAcceleration kAccelerations[] = {
     {"candidate_filter", &Accelerations::candidate_filter},
     {"self_alignment", &Accelerations::self_alignment},
     {"wraparound", &Accelerations::wraparound},
+    {"joint_bound", &Accelerations::joint_bound},
     {"series_filter", &Accelerations::series_filter},
     {"early_end", &Accelerations::early_end},
     {"bit_look_ahead", &Accelerations::bit_look_ahead},

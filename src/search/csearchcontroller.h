@@ -21,7 +21,7 @@ namespace vorlan {
 class BitPlanes;
 class CAnchorSeq;
 class RecordSearch;     // what the imperfect searches of the record share; in imperfect/
-class SparseStarts;     // which starts of the record resemble what follows; in imperfect/
+struct SimilarStarts;   // which starts of the record resemble what follows; in imperfect/
 class SeriesSurvivors;  // what is known of them beforehand; in imperfect/
 
 /// The search of one sequence: a view of it, the repeats found in it, and the three ways of
@@ -127,7 +127,7 @@ class CSearchController {
                                               std::list<Csat*>& results);
 
   /// See RecordSearch::similar_starts; shows progress.
-  const SparseStarts* similar_starts(unsigned unit_length);
+  SimilarStarts similar_starts(unsigned unit_length, const CAnchorSeq& anchors);
 
   /// How far the scan for a unit length has asked for progress.
   struct ScanProgress {

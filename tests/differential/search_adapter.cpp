@@ -156,15 +156,16 @@ bool works_in(const vorlan::NamedAcceleration& engine, Mode mode) {
       return is(&Accelerations::run_samples) || is(&Accelerations::exact_filter);
     case Mode::kExtendExact:
       return !is(&Accelerations::candidate_filter) && !is(&Accelerations::self_alignment) &&
-             !is(&Accelerations::wraparound) && !is(&Accelerations::series_filter) &&
-             !is(&Accelerations::late_marks);
+             !is(&Accelerations::wraparound) && !is(&Accelerations::joint_bound) &&
+             !is(&Accelerations::series_filter) && !is(&Accelerations::late_marks);
     case Mode::kImperfect:
       break;
   }
   return !is(&Accelerations::run_samples) && !is(&Accelerations::exact_filter);
 }
 
-// Each engine alone. Events on demand come from shared ways, and can do nothing without them.
+// Each engine alone. Events on demand come from shared ways, and the joint bound judges what the
+// self-alignment lets pass: they can do nothing without.
 std::vector<Trial> trials_apart(const Trial& together) {
   using vorlan::Accelerations;
   std::vector<Trial> trials;
@@ -178,6 +179,7 @@ std::vector<Trial> trials_apart(const Trial& together) {
     trial.engines = Accelerations::none();
     trial.engines.*engine.is_on = true;
     if (engine.is_on == &Accelerations::events_on_demand) trial.engines.shared_ways = true;
+    if (engine.is_on == &Accelerations::joint_bound) trial.engines.self_alignment = true;
     trial.buffer = trial.engines.series_filter ? Buffer::kSeries : Buffer::kReused;
     trial.engines_name = std::string("the engine ") + engine.name;
     trials.push_back(trial);

@@ -38,14 +38,15 @@ std::size_t count_starts(const std::uint64_t* words) {
 StartFilter::StartFilter(std::string_view residues, const BitPlanes& planes, unsigned unit_length,
                          int min_score, std::ptrdiff_t starts, const Accelerations& accelerations)
     : has_automaton_(accelerations.candidate_filter),
-      filter_(planes, unit_length, min_score, starts),
-      group_(std::max<std::ptrdiff_t>(1, unit_length / kGroupsInUnit)) {
+      filter_(planes, unit_length, min_score, starts) {
   const auto length = static_cast<std::ptrdiff_t>(unit_length);
   if (!accelerations.wraparound || !WraparoundBound::can_judge(length, min_score)) return;
   const bool automaton_is_enough = length <= kShortUnit && filter_.most_edits() <= kVeryFewEdits;
   if (has_automaton_ && automaton_is_enough) return;
-  bound_.emplace(residues.data(), residues.data() + residues.size(), length, min_score);
   bound_alone_ = !has_automaton_ || filter_.most_edits() > kFewEdits;
+  const std::ptrdiff_t group =
+      bound_alone_ ? std::max<std::ptrdiff_t>(1, length / kGroupsInUnit) : 1;
+  bound_.emplace(residues, UnitLengths{length, length}, min_score, group);
   if (!has_automaton_) {
     glances_ = false;
   } else if (bound_alone_) {
@@ -66,12 +67,9 @@ void StartFilter::glance(std::ptrdiff_t first_word, std::uint64_t* candidates) {
 
 std::span<const std::ptrdiff_t> StartFilter::look_closely() {
   if (!bound_) return filter_.look_closely();
-  if (!bound_alone_) {
-    const std::span<std::ptrdiff_t> starts = filter_.look_closely();
-    return starts.first(bound_->keep_survivors(starts));
-  }
-  const std::span<std::ptrdiff_t> starts = filter_.take_doubts(kFilterStarts);
-  return starts.first(bound_->keep_survivors(starts, group_));
+  const std::span<std::ptrdiff_t> starts =
+      bound_alone_ ? filter_.take_doubts(kFilterStarts) : filter_.look_closely();
+  return starts.first(bound_->keep_survivors(starts));
 }
 
 }  // namespace vorlan

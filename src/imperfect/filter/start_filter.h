@@ -51,7 +51,6 @@ class StartFilter {
  private:
   bool has_automaton_;
   CandidateFilter filter_;
-  std::ptrdiff_t group_;  ///< Starts less than so many bases apart are judged together.
   std::optional<WraparoundBound> bound_;
   bool bound_alone_ = false;  ///< Without the close look of the filter.
   bool glances_ = true;

@@ -15,9 +15,10 @@ StartQueue::StartQueue(const RecordSearch& record, std::ptrdiff_t starts, unsign
       unit_length_(unit_length),
       marks_(marks),
       in_series_(known.in_series),
+      are_bounded_(known.similar.are_bounded),
       filter_(record.residues(), record.planes(), unit_length, min_score, starts,
               record.accelerations()) {
-  if (known.similar != nullptr) similar_.emplace(*known.similar);
+  if (known.similar.starts != nullptr) similar_.emplace(*known.similar.starts);
 }
 
 bool StartQueue::next_block() {
@@ -66,7 +67,7 @@ void StartQueue::add_block() {
     block.set_survivors([this](auto start) { return in_series_->survivors(unit_length_, start); });
   } else if (similar_) {
     const auto survivors = [this](auto start) { return similar_->word(start); };
-    if (filter_.can_judge()) {
+    if (!are_bounded_ && filter_.can_judge()) {
       block.doubt_survivors(survivors, [this](auto start) { filter_.doubt(start); });
     } else {
       block.set_survivors(survivors);

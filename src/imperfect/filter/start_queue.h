@@ -28,10 +28,10 @@ class StartQueue {
  public:
   /// What was found out about the starts of this unit length before, each by another filter or
   /// null: what survives in the series of a short record, for good, and what the self-alignment of
-  /// the record lets pass to the filter of this queue.
+  /// the record lets pass to the filter of this queue, unless it is bounded already.
   struct Known {
     const SeriesSurvivors* in_series = nullptr;
-    const SparseStarts* similar = nullptr;
+    SimilarStarts similar;
   };
 
   /// The first `starts` residues of the record are starts. All must outlive the queue.
@@ -69,6 +69,7 @@ class StartQueue {
   MarkPainter& marks_;
   const SeriesSurvivors* in_series_;
   std::optional<SparseStarts::Reader> similar_;
+  bool are_bounded_;  ///< The similar ones.
   StartFilter filter_;
   std::ptrdiff_t next_ = 0;  ///< Where the next block begins.
   bool has_block_ = false;

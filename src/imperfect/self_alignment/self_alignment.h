@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -65,6 +66,12 @@ class SelfAlignment {
   /// unit that holds N. Requires that the unit length was judged.
   const SparseStarts& survivors(unsigned unit_length) const {
     return survivors_[unit_length - first_];
+  }
+
+  /// Those of all unit lengths from `unit_length` on that were judged, to be narrowed down further.
+  /// The same requirement.
+  std::span<SparseStarts> survivors_from(unsigned unit_length) {
+    return std::span(survivors_).subspan(unit_length - first_);
   }
 
  private:

@@ -76,6 +76,19 @@ void SparseStarts::unite(const SparseStarts& other) {
   *this = std::move(united);
 }
 
+void SparseStarts::subtract(const SparseStarts& other) {
+  Reader reader(other);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < words(); ++i) {
+    const std::uint64_t bits = bits_[i] & ~reader.word(indices_[i] * kBitsPerWord);
+    if (bits == 0) continue;
+    indices_[kept] = indices_[i];
+    bits_[kept++] = bits;
+  }
+  indices_.resize(kept);
+  bits_.resize(kept);
+}
+
 std::size_t SparseStarts::count() const {
   return std::transform_reduce(
       bits_.begin(), bits_.end(), std::size_t{0}, std::plus(),

@@ -28,6 +28,9 @@ class SparseStarts {
   /// Adds the starts of another set. Requires that both are in rising order.
   void unite(const SparseStarts& other);
 
+  /// Removes the starts of another set. The same requirement.
+  void subtract(const SparseStarts& other);
+
   void clear() { *this = {}; }
 
   /// Bytes that are held, words with starts, and how many starts there are.

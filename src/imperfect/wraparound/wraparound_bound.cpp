@@ -38,32 +38,51 @@ std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_
 
 }  // namespace
 
+// All numbers here were chosen by the bench: table "Tuning", rows of their names.
+
+bool LookRecord::is_worth_it() {
+  constexpr std::size_t kEnoughJudged = 512;
+  constexpr std::size_t kOfTen = 8;
+  constexpr unsigned kCallsPerTry = 16;
+  return judged_ < kEnoughJudged || kept_ * 10 < judged_ * kOfTen ||
+         ++passed_over_ % kCallsPerTry == 0;
+}
+
+void LookRecord::add(std::size_t judged, std::size_t kept) {
+  constexpr std::size_t kLongAgo = 4'096;
+  judged_ += judged;
+  kept_ += kept;
+  for (; judged_ > kLongAgo; judged_ /= 2) kept_ /= 2;
+}
+
 bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {
   return min_score > 0 && min_score <= highest_min_score(unit_length, kLargestWide);
 }
 
-WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
-                                 std::ptrdiff_t unit_length, int min_score,
-                                 std::span<const WraparoundKernel> kernels)
-    : kernels_(kernels) {
+WraparoundBound::WraparoundBound(std::string_view residues, const UnitLengths& lengths,
+                                 int min_score, std::ptrdiff_t group,
+                                 std::span<const WraparoundKernel> kernels, LookRecords* records)
+    : group_(group), kernels_(kernels), records_(records) {
+  assert(group >= 1 && group <= lengths.first);
   const Scoring scoring = Scoring::of_the_run();
   const auto plan_for = [&](std::int64_t score, std::int64_t largest_lane) {
     // A path has less than the largest lane, so that an edit that costs more ends it all the same.
     const auto cost = [=](std::int64_t edit) {
       return static_cast<int>(std::min(-edit, largest_lane));
     };
-    return WraparoundPlan{.seq_begin = seq_begin,
-                          .seq_end = seq_end,
-                          .unit_length = unit_length,
-                          .floor = static_cast<int>(scoring.floor(unit_length)),
+    return WraparoundPlan{.seq_begin = residues.data(),
+                          .seq_end = residues.data() + residues.size(),
+                          .first_length = lengths.first,
+                          .last_length = lengths.last,
+                          .floor = static_cast<int>(scoring.floor(lengths.last)),
                           .mismatch_cost = cost(scoring.mismatch_score),
                           .indel_cost = cost(scoring.indel_score),
                           .min_score = static_cast<int>(score),
                           .longest_N_run = scoring.longest_N_run,
-                          .most_rows = kMostRows + kMostRowsPerBase * unit_length};
+                          .most_rows = kMostRows + kMostRowsPerBase * lengths.last};
   };
   const std::int64_t narrow_score =
-      std::min<std::int64_t>(min_score, highest_min_score(unit_length, kLargestNarrow));
+      std::min<std::int64_t>(min_score, highest_min_score(lengths.last, kLargestNarrow));
   if (narrow_score == min_score || narrow_score >= kWorthALook) {
     looks_.push_back({plan_for(narrow_score, kLargestNarrow), true});
   }
@@ -72,21 +91,30 @@ WraparoundBound::WraparoundBound(const char* seq_begin, const char* seq_end,
 }
 
 void WraparoundBound::allocate() {
-  const auto registers =
-      wraparound_registers(static_cast<std::size_t>(looks_.front().plan.unit_length));
+  const WraparoundPlan& plan = looks_.front().plan;
+  const auto registers = wraparound_registers(static_cast<std::size_t>(plan.first_length),
+                                              static_cast<std::size_t>(plan.last_length),
+                                              static_cast<std::size_t>(group_));
   memory_ = allocate_registers(registers * kernels_.back().register_bytes);
 }
 
-std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts,
-                                            std::ptrdiff_t group) {
-  assert(group >= 1 && group <= looks_.front().plan.unit_length);
+std::size_t WraparoundBound::keep_survivors(std::span<std::ptrdiff_t> starts) {
   if (memory_ == nullptr) allocate();
-  for (const Look& look : looks_) starts = starts.first(keep_survivors(look, starts, group));
+  for (const Look& look : looks_) {
+    if (records_ == nullptr) {
+      starts = starts.first(keep_survivors(look, starts));
+      continue;
+    }
+    LookRecord& record = look.is_narrow ? records_->narrow : records_->wide;
+    if (!record.is_worth_it()) continue;
+    const std::size_t judged = starts.size();
+    starts = starts.first(keep_survivors(look, starts));
+    record.add(judged, starts.size());
+  }
   return starts.size();
 }
 
-std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts,
-                                            std::ptrdiff_t group) {
+std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptrdiff_t> starts) {
   const std::size_t most_groups = lanes(look, kernels_.back());
   std::array<StartGroup, kMostLanes> groups;
   std::array<bool, kMostLanes> can_reach{};
@@ -96,7 +124,7 @@ std::size_t WraparoundBound::keep_survivors(const Look& look, std::span<std::ptr
     std::size_t count = 0;
     for (; count < most_groups && next < starts.size(); ++count) {
       const std::ptrdiff_t begin = starts[next];
-      while (next < starts.size() && starts[next] - begin < group) ++next;
+      while (next < starts.size() && starts[next] - begin < group_) ++next;
       groups[count] = {begin, starts[next - 1]};
     }
     judge(look, std::span(groups).first(count), can_reach.data());

@@ -90,8 +90,8 @@ class Batch {
                Lanes{} + static_cast<Lane>(plan.indel_cost)},
         enough_(Lanes{} + static_cast<Lane>(plan.min_score - plan.floor)),
         plan_(plan),
-        cells_(reinterpret_cast<Lanes*>(memory)),
-        unit_(cells_ + plan.unit_length) {}
+        lengths_(plan.last_length - plan.first_length + 1),
+        cells_(reinterpret_cast<Lanes*>(memory)) {}
 
   void judge(const StartGroup* groups, std::size_t count, bool* can_reach) {
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
@@ -101,6 +101,9 @@ class Batch {
       turns_[lane] = static_cast<Lane>(turns);
       if (turns > most_turns_) most_turns_ = turns;
     }
+    size_ = plan_.last_length + most_turns_ + 1;
+    arriving_ = cells_ + size_;
+    bases_ = arriving_ + arrivals();
     follow_paths<1>(groups, count);
     follow_paths<-1>(groups, count);
     for (std::size_t lane = 0; lane < count; ++lane) can_reach[lane] = best_[lane] >= enough_[0];
@@ -118,6 +121,19 @@ class Batch {
     Lanes deleted{};  ///< In this row, by a deletion.
 
     bool has_path() const { return has_any(matched | deleted); }
+  };
+
+  /// Cells from the first up to the end, outside of which there is no path.
+  struct Band {
+    std::ptrdiff_t first = 0;
+    std::ptrdiff_t end = 0;
+
+    bool is_empty() const { return first == end; }
+    void cover(const Band& other) {
+      if (is_empty()) first = end = other.first;
+      if (other.first < first) first = other.first;
+      if (other.end > end) end = other.end;
+    }
   };
 
   static constexpr std::size_t kBlocks = (kLanes + kReadAhead - 1) / kReadAhead;
@@ -156,41 +172,27 @@ class Batch {
     return bits;
   }
 
-  // The unit of the first start that is met in this direction, read in that direction, and then the
-  // residues ahead of it.
+  // Where the strip of bases begins, in the direction of reading.
   template <std::ptrdiff_t direction>
-  const char* unit_of(const StartGroup& group) const {
-    return plan_.seq_begin + (direction > 0 ? group.first : group.last + plan_.unit_length);
+  const char* strip_of(const StartGroup& group) const {
+    return plan_.seq_begin + (direction > 0 ? group.first : group.last + plan_.last_length);
   }
 
-  // Writes `length` residues of each group from `distance` behind the begin of the unit on.
+  // Writes the strips of all groups, with nothing behind the ends of the sequence and for N, which
+  // belongs to no unit.
   template <std::ptrdiff_t direction>
-  void read_ahead(const StartGroup* groups, std::size_t count, std::ptrdiff_t distance,
-                  std::ptrdiff_t length, Lanes* rows) const {
-    for (std::ptrdiff_t first = 0; first < length; first += std::ptrdiff_t{kReadAhead}) {
-      read_rows(count, rows + first, [&](std::size_t lane) {
-        const char* unit = unit_of<direction>(groups[lane]);
-        const std::ptrdiff_t most = direction > 0 ? plan_.seq_end - unit : unit - plan_.seq_begin;
-        const std::ptrdiff_t from = distance + first < most ? distance + first : most;
-        const std::ptrdiff_t to = distance + length < most ? distance + length : most;
+  void read_strips(const StartGroup* groups, std::size_t count) {
+    for (std::ptrdiff_t first = 0; first < size_; first += std::ptrdiff_t{kReadAhead}) {
+      read_rows(count, bases_ + first, [&](std::size_t lane) {
+        const char* strip = strip_of<direction>(groups[lane]);
+        const std::ptrdiff_t most = direction > 0 ? plan_.seq_end - strip : strip - plan_.seq_begin;
+        const std::ptrdiff_t from = first < most ? first : most;
+        const std::ptrdiff_t to = size_ < most ? size_ : most;
         bool has_N = false;
-        return Reader<direction>(unit + direction * from, unit + direction * to, 0).read(has_N);
+        return Reader<direction>(strip + direction * from, strip + direction * to, 0).read(has_N);
       });
     }
-  }
-
-  // Writes the units of all groups as their bases are due. Where the group has turned on, the base
-  // is one of two.
-  template <std::ptrdiff_t direction>
-  void read_units(const StartGroup* groups, std::size_t count) {
-    const std::ptrdiff_t length = plan_.unit_length;
-    read_ahead<direction>(groups, count, 0, length, unit_);
-    Lanes ahead[kReadAhead];
-    for (std::ptrdiff_t turn = 0; turn < most_turns_; ++turn) {
-      const std::ptrdiff_t i = turn % std::ptrdiff_t{kReadAhead};
-      if (i == 0) read_ahead<direction>(groups, count, length + turn, kReadAhead, ahead);
-      unit_[turn] |= ahead[i] & reinterpret_cast<Lanes>(turns_ > static_cast<Lane>(turn));
-    }
+    for (std::ptrdiff_t i = 0; i < size_; ++i) bases_[i] &= ~kN;
   }
 
   // Moves the paths of a cell over a residue: `here` are those that are in it, at `base`. Returns
@@ -212,7 +214,8 @@ class Batch {
     return next;
   }
 
-  // Moves the paths in the cells from `first` up to `last`. Returns the best of the next row there.
+  // Moves the paths in the cells from `first` up to `last`, before any unit ends. Returns the best
+  // of the next row there.
   template <bool kHasN>
   Lanes step_cells(std::ptrdiff_t first, std::ptrdiff_t last, Lanes residue,
                    Passing& passing) const {
@@ -221,53 +224,112 @@ class Batch {
     Passing moving = passing;
     const Costs costs = costs_;
     Lanes* const cells = cells_;
-    const Lanes* const unit = unit_;
+    const Lanes* const bases = bases_;
     for (std::ptrdiff_t i = first; i < last; ++i) {
-      cells[i] = step<kHasN>(larger(cells[i], moving.deleted), unit[i], residue, costs, moving);
+      cells[i] = step<kHasN>(larger(cells[i], moving.deleted), bases[i], residue, costs, moving);
       best = larger(best, cells[i]);
     }
     passing = moving;
     return best;
   }
 
-  std::ptrdiff_t next_cell(std::ptrdiff_t cell) const {
-    return cell + 1 == plan_.unit_length ? 0 : cell + 1;
+  // The same for one cell, with what is in it. From the end of the shortest unit on, paths may also
+  // go round; from the end of the longest on, some must.
+  template <bool kHasN>
+  Lanes step_cell(std::ptrdiff_t cell, Lanes here, Lanes residue, Passing& passing) {
+    if (cell >= plan_.first_length) {
+      Lanes& arriving = arriving_[cell - plan_.first_length];
+      arriving = larger(arriving, here);
+      going_round_ |= here;
+    }
+    if (cell >= plan_.last_length) {
+      here &= reinterpret_cast<Lanes>(turns_ > static_cast<Lane>(cell - plan_.last_length));
+    }
+    return step<kHasN>(here, bases_[cell], residue, costs_, passing);
   }
 
-  // Makes the next row. The band of live cells begins at `first_` and goes round.
+  // Makes the next row in a band, which may grow up to `limit`. Returns its best.
+  template <bool kHasN>
+  Lanes step_band(Band& band, std::ptrdiff_t limit, Lanes residue, Passing& passing) {
+    const std::ptrdiff_t simple = band.end < plan_.first_length ? band.end : plan_.first_length;
+    std::ptrdiff_t cell = band.first;
+    Lanes best{};
+    if (cell < simple) {
+      best = step_cells<kHasN>(cell, simple, residue, passing);
+      cell = simple;
+    }
+    // Behind the band there is only what arrives.
+    for (; cell < band.end || (cell < limit && passing.has_path()); ++cell) {
+      cells_[cell] =
+          step_cell<kHasN>(cell, larger(cells_[cell], passing.deleted), residue, passing);
+      best = larger(best, cells_[cell]);
+    }
+    band.end = cell;
+    return best;
+  }
+
+  // From a cell p, a path may go to p - u for each unit length u: afterwards `arriving_` has for
+  // each cell the best of as many as there are unit lengths, from that cell's own on.
+  void spread_arrivals() {
+    std::ptrdiff_t spread = 1;
+    const auto spread_by = [this](std::ptrdiff_t more) {
+      for (std::ptrdiff_t i = 0; i + more < arrivals(); ++i) {
+        arriving_[i] = larger(arriving_[i], arriving_[i + more]);
+      }
+    };
+    for (; 2 * spread <= lengths_; spread *= 2) spread_by(spread);
+    if (spread < lengths_) spread_by(lengths_ - spread);
+  }
+
+  // Moves the paths that have gone round over the residue. The cells where they arrive have been
+  // moved already: the paths go on from there, and join. Returns the best of the next row there.
+  template <bool kHasN>
+  Lanes go_round(Lanes residue) {
+    Lanes best{};
+    while (has_any(going_round_)) {
+      going_round_ = Lanes{};
+      spread_arrivals();
+      Passing passing;
+      std::ptrdiff_t cell = 0;
+      for (; cell < size_ && (cell < arrivals() || passing.has_path()); ++cell) {
+        Lanes here = passing.deleted;
+        if (cell < arrivals()) {
+          here = larger(here, arriving_[cell]);
+          arriving_[cell] = Lanes{};
+        }
+        cells_[cell] = larger(cells_[cell], step_cell<kHasN>(cell, here, residue, passing));
+        best = larger(best, cells_[cell]);
+      }
+      (cell < upper_.first ? lower_ : upper_).cover({0, cell});
+    }
+    return best;
+  }
+
+  // Makes the next row.
   template <bool kHasN>
   void step_row(Lanes residue) {
     Passing passing;
-    const std::ptrdiff_t end = first_ + width_;
-    const std::ptrdiff_t length = plan_.unit_length;
-    Lanes best = step_cells<kHasN>(first_, end < length ? end : length, residue, passing);
-    if (end > length) best = larger(best, step_cells<kHasN>(0, end - length, residue, passing));
-    std::ptrdiff_t cell = end < length ? end : end - length;
-    // Into cells that were empty, in which there is only what arrives.
-    for (; width_ < length && passing.has_path(); ++width_, cell = next_cell(cell)) {
-      cells_[cell] = step<kHasN>(passing.deleted, unit_[cell], residue, costs_, passing);
-      best = larger(best, cells_[cell]);
+    if (!lower_.is_empty()) {
+      best_ = larger(best_, step_band<kHasN>(lower_, upper_.first, residue, passing));
     }
-    // Once round: cells that have been moved already. What arrives goes on from there, and joins.
-    for (std::ptrdiff_t i = 0; i < length && passing.has_path(); ++i, cell = next_cell(cell)) {
-      cells_[cell] =
-          larger(cells_[cell], step<kHasN>(passing.deleted, unit_[cell], residue, costs_, passing));
-      best = larger(best, cells_[cell]);
-    }
-    best_ = larger(best_, best);
-    trim_band();
+    best_ = larger(best_, step_band<kHasN>(upper_, size_, residue, passing));
+    best_ = larger(best_, go_round<kHasN>(residue));
+    trim_bands();
   }
 
-  void trim_band() {
-    while (width_ > 0 && !has_any(cells_[first_])) {
-      first_ = next_cell(first_);
-      --width_;
-    }
-    while (width_ > 0) {
-      const std::ptrdiff_t last = first_ + width_ - 1;
-      if (has_any(cells_[last < plan_.unit_length ? last : last - plan_.unit_length])) return;
-      --width_;
-    }
+  void trim(Band& band) const {
+    while (!band.is_empty() && !has_any(cells_[band.first])) ++band.first;
+    while (!band.is_empty() && !has_any(cells_[band.end - 1])) --band.end;
+  }
+
+  // Makes one band of two when they meet, or when one has come to its end.
+  void trim_bands() {
+    trim(upper_);
+    if (lower_.is_empty()) return;
+    trim(lower_);
+    if (!lower_.is_empty() && !upper_.is_empty() && lower_.end < upper_.first) return;
+    if (!lower_.is_empty()) upper_.cover(lower_);
+    lower_ = {};
   }
 
   // Drops the paths of groups that have enough.
@@ -275,43 +337,58 @@ class Batch {
     const Lanes decided = reinterpret_cast<Lanes>(best_ >= enough_);
     if (!has_any(decided & ~dropped_)) return;
     dropped_ = decided;
-    for (std::ptrdiff_t i = 0; i < plan_.unit_length; ++i) cells_[i] &= ~decided;
-    trim_band();
+    for (std::ptrdiff_t i = 0; i < size_; ++i) cells_[i] &= ~decided;
+    trim_bands();
   }
 
   // Leaves to the extension what is not decided.
   void give_up() {
     Lanes alive{};
-    for (std::ptrdiff_t i = 0; i < plan_.unit_length; ++i) alive |= cells_[i];
+    for (std::ptrdiff_t i = 0; i < size_; ++i) alive |= cells_[i];
     best_ = larger(best_, reinterpret_cast<Lanes>(alive > Lanes{}) & enough_);
   }
 
-  // Lets the start that is met after so many rows begin its paths.
+  /// After so many rows the last candidate of the largest group begins its paths.
+  std::ptrdiff_t last_begin() const { return most_turns_ + lengths_ - 1; }
+
+  // Lets the candidates that are met after so many rows begin their paths. To the right, a start is
+  // met one row later for each base that it lies further on or that its unit is longer; to the
+  // left, those of a start are met together, and longer units have come further.
+  template <std::ptrdiff_t direction>
   void begin_paths(std::ptrdiff_t row, Lanes score) {
-    const Lanes begins = reinterpret_cast<Lanes>(turns_ >= static_cast<Lane>(row)) & ~dropped_;
-    cells_[row] = larger(cells_[row], score & begins);
-    if (width_ == 0) first_ = row;
-    const std::ptrdiff_t distance = row >= first_ ? row - first_ : row - first_ + plan_.unit_length;
-    if (distance >= width_) width_ = distance + 1;
+    const std::ptrdiff_t others = lengths_ - 1;
+    const std::ptrdiff_t first = direction > 0 ? (row > others ? row - others : 0) : row;
+    const std::ptrdiff_t last =
+        direction > 0 ? (row < most_turns_ ? row : most_turns_) : row + others;
+    if (direction < 0 && row > most_turns_) return;
+    for (std::ptrdiff_t cell = first; cell <= last; ++cell) {
+      const Lane turn = static_cast<Lane>(direction > 0 ? cell : row);
+      const Lanes begins = reinterpret_cast<Lanes>(turns_ >= turn) & ~dropped_;
+      cells_[cell] = larger(cells_[cell], score & begins);
+    }
+    (lower_.is_empty() ? upper_ : lower_).cover({first, last + 1});
+    trim_bands();
   }
 
-  // Raises the best scores to what the paths of all starts reach in one direction.
+  // Raises the best scores to what the paths of all candidates reach in one direction.
   template <std::ptrdiff_t direction>
   void follow_paths(const StartGroup* groups, std::size_t count) {
-    read_units<direction>(groups, count);
+    read_strips<direction>(groups, count);
     Reader<direction> readers[kLanes];
     const char* const end = direction > 0 ? plan_.seq_end : plan_.seq_begin;
     for (std::size_t lane = 0; lane < count; ++lane) {
-      const char* ahead = unit_of<direction>(groups[lane]) + direction * plan_.unit_length;
+      const char* ahead = plan_.seq_begin + (direction > 0 ? groups[lane].first + plan_.first_length
+                                                           : groups[lane].last);
       readers[lane] = Reader<direction>(ahead, end, plan_.longest_N_run);
     }
-    for (std::ptrdiff_t i = 0; i < plan_.unit_length; ++i) cells_[i] = Lanes{};
-    first_ = width_ = 0;
+    for (std::ptrdiff_t i = 0; i < size_; ++i) cells_[i] = Lanes{};
+    for (std::ptrdiff_t i = 0; i < arrivals(); ++i) arriving_[i] = Lanes{};
+    lower_ = upper_ = {};
     dropped_ = Lanes{};
     drop_decided();
     const Lanes begin_score = best_;
-    begin_paths(0, begin_score);
-    for (std::ptrdiff_t row = 0; width_ > 0 || row <= most_turns_;) {
+    begin_paths<direction>(0, begin_score);
+    for (std::ptrdiff_t row = 0; !upper_.is_empty() || row <= last_begin();) {
       if (row >= plan_.most_rows) return give_up();
       Lanes text[kReadAhead];
       bool has_N = false;
@@ -322,25 +399,32 @@ class Batch {
         } else {
           step_row<false>(residue);
         }
-        if (++row <= most_turns_) begin_paths(row, begin_score);
+        if (++row <= last_begin()) begin_paths<direction>(row, begin_score);
         if (row % kWraparoundRowsPerLook == 0) drop_decided();
       }
     }
   }
 
+  /// Cells at which paths that have gone round may arrive.
+  std::ptrdiff_t arrivals() const { return most_turns_ + lengths_; }
+
   static constexpr Lane kN = 16;
 
   Costs costs_;
   Lanes enough_;
-  Lanes best_{};     ///< Above the floor, so far.
-  Lanes dropped_{};  ///< All bits of the groups whose paths are no longer followed.
-  Lanes turns_{};    ///< How many bases the last start of the group lies behind the first.
+  Lanes best_{};         ///< Above the floor, so far.
+  Lanes dropped_{};      ///< All bits of the groups whose paths are no longer followed.
+  Lanes turns_{};        ///< How many bases the last start of the group lies behind the first.
+  Lanes going_round_{};  ///< Not zero where `arriving_` is not.
   std::ptrdiff_t most_turns_ = 0;
+  std::ptrdiff_t size_ = 0;  ///< Of the strip, and of each row.
   const WraparoundPlan& plan_;
+  std::ptrdiff_t lengths_;
   Lanes* cells_;
-  Lanes* unit_;
-  std::ptrdiff_t first_ = 0;  ///< Of the band of live cells.
-  std::ptrdiff_t width_ = 0;
+  Lanes* arriving_ = nullptr;  ///< By the cell that is left behind less the shortest unit length.
+  Lanes* bases_ = nullptr;
+  Band upper_;
+  Band lower_;  ///< Of paths that have gone round, as long as the bands have not met.
 };
 
 template <class Lane>

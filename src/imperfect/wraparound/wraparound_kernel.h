@@ -40,27 +40,33 @@
 //             A C A T G                 from the left: deletion   (same row)
 //   residue G . . 3 1 .                 from above: insertion
 //   residue T . . . 4 2                 from above left: match or mismatch
-//             ^ cells outside the band of live ones are not touched
 //
-// Groups: written round and round, the units of neighbouring starts are almost the same circle. The
-// unit of the next start has the base behind the unit in place of its first base. So neighbours
-// share the cells: the first bases of the circle may each be either of two.
+// Cells outside the bands of live ones are not touched. There are two bands while some paths have
+// gone round and others have not.
 //
-//     sequence   A C A T G C C A        starts 0 and 1, units of 5
-//     unit 0     A C A T G
-//     unit 1       C A T G C            circle [AC] C A T G
+// Groups: the units of neighbouring starts are almost the same circle, and so are those of
+// neighbouring lengths. So neighbours share the cells. Cut open, their circles lie in one strip of
+// bases, from the first start to the end of the longest unit of the last one:
 //
-// Each start begins its paths where it is met: one residue and one unit base later than the start
-// before it; backward the last one is met first. So every path of every start is a path of its
-// group, with the same score, but for edits that a start makes where another unit has a match. The
-// path that takes the match and makes the edit afterwards is worth no less: it is a point ahead
-// until the other has consumed both the residue and the base as well. So where the best of the
-// group, forward and then backward, is less than what is accepted, all its starts are hopeless. The
+//     strip                 A C A T G C      starts 0 and 1 of ACATGC.., units of 4 and 5
+//     cells, and the end    0 1 2 3 4 5 6
+//     start 0               [ . . . )        from cell 4 back to cell 0
+//                           [ . . . . )      from cell 5 back to cell 0
+//     start 1                 [ . . . )      from cell 5 back to cell 1
+//                             [ . . . . )    from cell 6 back to cell 1
+//
+// Behind the last base of its unit a path goes on with the first: from cell p to cell p - u. Whose
+// path it is is not noted, so a path may go round by any unit length of the group, from wherever
+// the end of a unit may be. Each candidate begins its paths where it is met: to the right at its
+// first base, after as many residues as its unit ends behind the first unit that ends; to the left
+// the other way round, the last start first. So every path of every candidate is a path of its
+// group, with the same score. The floor is that of the longest unit. Where the best of the group,
+// forward and then backward, is less than what is accepted, all its candidates are hopeless. The
 // reverse does not hold, since a path may take bases of several units: a group that has enough is
 // left to the extension as a whole.
 //
-// Example, starts 2 and 3 of GTACACACGGTT, units of 2: the circle is [AA]C. Start 2 has 4 points,
-// all of them forward; start 3 has 3 forward and 1 backward; the group has 4 and 1. If 6 points are
+// Example, starts 2 and 3 of GTACACACGGTT, units of 2: the strip is ACA. Start 2 has 4 points, all
+// of them forward; start 3 has 3 forward and 1 backward; the group has 4 and 1. If 6 points are
 // needed, the group is hopeless. If 5 are needed it is left, although each of its starts is
 // hopeless.
 //
@@ -78,22 +84,23 @@
 
 namespace vorlan {
 
-/// What the bound needs to know of the candidates of one unit length.
+/// What the bound needs to know of the candidates.
 struct WraparoundPlan {
   const char* seq_begin;
   const char* seq_end;
-  std::ptrdiff_t unit_length;
-  int floor;          ///< An edit is made only if the score stays above it. Negative.
-  int mismatch_cost;  ///< Positive; no more than the largest lane.
+  std::ptrdiff_t first_length;  ///< Of the units, in bases.
+  std::ptrdiff_t last_length;   ///< Included.
+  int floor;                    ///< An edit is made only if the score stays above it. Negative.
+  int mismatch_cost;            ///< Positive; no more than the largest lane.
   int indel_cost;
   int min_score;                 ///< At least 1.
   std::ptrdiff_t longest_N_run;  ///< Of N that are bridged; 0 if N matches nothing.
   std::ptrdiff_t most_rows;      ///< A start that is not decided after so many survives.
 };
 
-/// Neighbouring starts that are judged together: all from the first to the last, which are offsets
-/// in the sequence. Requires that the last lies behind the first by less than a unit length, and
-/// by no more than fits a lane.
+/// Neighbouring starts that are judged together, with all unit lengths: all from the first to the
+/// last, which are offsets in the sequence. Requires that the last lies behind the first by less
+/// than the shortest unit length, and by no more than fits a lane.
 struct StartGroup {
   std::ptrdiff_t first;
   std::ptrdiff_t last;  ///< Included.
@@ -103,16 +110,17 @@ struct StartGroup {
 /// Chosen by the bench, table "Tuning".
 inline constexpr int kWraparoundRowsPerLook = 8;
 
-/// Registers that a kernel needs for units of this length.
-constexpr std::size_t wraparound_registers(std::size_t unit_length) {
+/// Registers that a kernel needs for units of these lengths and groups of up to so many starts.
+constexpr std::size_t wraparound_registers(std::size_t first_length, std::size_t last_length,
+                                           std::size_t most_starts) {
   constexpr std::size_t kBasesAtOnce = 16;
-  return 2 * unit_length + kBasesAtOnce;
+  const std::size_t cells = last_length + most_starts;
+  return cells + (cells - first_length) + cells + kBasesAtOnce;
 }
 
-/// Writes to `can_reach` for each of `count` groups whether the extension of one of its starts may
-/// reach the least score. Requires at most as many groups as there are lanes, that the units lie in
-/// the sequence, and `memory`, aligned to a register, of
-/// wraparound_registers(unit length) registers.
+/// Writes to `can_reach` for each of `count` groups whether the extension of one of its candidates
+/// may reach the least score. Requires at most as many groups as there are lanes, that all units
+/// lie in the sequence, and `memory`, aligned to a register, of `wraparound_registers` registers.
 using JudgeWraparound = void(const WraparoundPlan& plan, const StartGroup* groups,
                              std::size_t count, std::byte* memory, bool* can_reach);
 

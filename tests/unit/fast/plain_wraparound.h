@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 //
-// The wraparound bound by its definition: one candidate or one group of neighbours, one cell at a
-// time, every row whole.
+// The wraparound bound by its definition: one candidate or one group of neighbours, one place
+// of the strip at a time, every row whole.
 
 #pragma once
 
@@ -18,39 +18,50 @@
 
 namespace vorlan {
 
-/// The best score of all paths in one direction.
+/// Candidates that are judged together: all starts from the first to the last, with all unit
+/// lengths from the first to the last.
+struct PlainGroup {
+  std::size_t first_start;
+  std::size_t last_start;
+  std::size_t first_length;
+  std::size_t last_length;
+};
+
+/// The best score of all paths of a group in one direction.
 class PlainWraparound {
  public:
-  /// `unit` holds the bases in the order in which they are due, of the start that is met first.
-  /// After it, `turns` more starts are met, each a residue further on; `ahead` holds the residues
-  /// in the order in which they are met.
-  PlainWraparound(const reference::Settings& settings, std::string_view unit,
-                  std::string_view ahead, std::size_t turns)
-      : settings_(settings), ahead_(ahead), turns_(turns) {
-    for (const char base : unit) unit_.emplace_back(1, base);
-    for (std::size_t i = 0; i < turns; ++i) {
-      if (unit_[i].front() != ahead[i]) unit_[i] += ahead[i];
-    }
-  }
+  /// Where a candidate begins its paths: how many residues are passed by then, and its place in the
+  /// strip.
+  struct Begin {
+    std::size_t residues;
+    std::size_t place;
+  };
 
-  /// All starts begin with the score `first_score`.
+  /// `strip` holds the bases of all units in the order in which they are due, and `ahead` the
+  /// residues in the order in which they are met.
+  PlainWraparound(const reference::Settings& settings, const PlainGroup& group,
+                  std::string_view strip, std::string_view ahead, std::vector<Begin> begins)
+      : settings_(settings),
+        group_(group),
+        strip_(strip),
+        ahead_(ahead),
+        begins_(std::move(begins)) {}
+
+  /// All candidates begin with the score `first_score`.
   std::int64_t best_score(std::int64_t first_score) const {
-    Row row(unit_.size());
-    row[0] = first_score;
+    Row row(strip_.size() + 1);
     std::int64_t best = first_score;
-    for (std::size_t i = 0; i < ahead_.size(); ++i) {
-      if (stops_at(i)) break;
-      delete_bases(row, ahead_[i]);
+    for (std::size_t i = 0; i < ahead_.size() && !stops_at(i); ++i) {
+      begin_paths(row, i, first_score);
+      go_on_in_row(row, ahead_[i]);
       row = row_behind(row, ahead_[i]);
-      if (i < turns_) row[i + 1] = std::max(row[i + 1].value_or(first_score), first_score);
-      if (row == Row(unit_.size())) break;
       for (const auto& score : row) best = std::max(best, score.value_or(best));
     }
     return best;
   }
 
  private:
-  /// By the base that is due; none where there is no path.
+  /// By the place in the strip, with its end; none where there is no path.
   using Row = std::vector<std::optional<std::int64_t>>;
 
   bool is_bridged(char residue) const {
@@ -64,77 +75,99 @@ class PlainWraparound {
     return end - i > static_cast<std::size_t>(settings_.Ns_allowed_in_a_row);
   }
 
-  bool matches(std::size_t base, char residue) const {
-    return unit_[base].find(residue) != std::string::npos;
+  void begin_paths(Row& row, std::size_t residues, std::int64_t score) const {
+    for (const Begin& begin : begins_) {
+      if (begin.residues == residues) raise(row[begin.place], score);
+    }
   }
 
-  /// From all bases that may be due.
-  bool differs(std::size_t base, char residue) const {
-    return !matches(base, residue) && !is_bridged(residue);
+  static void raise(std::optional<std::int64_t>& cell, std::int64_t score) {
+    cell = std::max(cell.value_or(score), score);
   }
 
-  /// From one of them at least.
-  bool may_differ(std::size_t base, char residue) const {
-    return unit_[base] != std::string(1, residue) && !is_bridged(residue);
+  /// An N in the strip belongs to no unit.
+  bool matches(std::size_t place, char residue) const {
+    return strip_[place] == residue && residue != 'N';
   }
 
-  std::size_t next(std::size_t base) const { return (base + 1) % unit_.size(); }
+  bool differs(std::size_t place, char residue) const {
+    return !matches(place, residue) && !is_bridged(residue);
+  }
 
   /// Adds a path, if its edit leaves it above the floor.
   void add_edited(std::optional<std::int64_t>& cell, std::int64_t score) const {
     const std::int64_t floor =
-        -static_cast<std::int64_t>(unit_.size()) - settings_.prefer_longer_repeat;
-    if (score > floor) cell = std::max(cell.value_or(score), score);
+        -static_cast<std::int64_t>(group_.last_length) - settings_.prefer_longer_repeat;
+    if (score > floor) raise(cell, score);
   }
 
-  void delete_bases(Row& row, char residue) const {
+  /// Round from the end of a unit, and over bases that are deleted.
+  void go_on_in_row(Row& row, char residue) const {
     for (Row before; before != row;) {
       before = row;
-      for (std::size_t base = 0; base < row.size(); ++base) {
-        if (!row[base] || !may_differ(base, residue)) continue;
-        add_edited(row[next(base)], *row[base] + settings_.indel_score);
+      for (std::size_t place = 0; place < row.size(); ++place) {
+        if (!row[place]) continue;
+        for (std::size_t length = group_.first_length; length <= group_.last_length; ++length) {
+          if (length <= place) raise(row[place - length], *row[place]);
+        }
+        if (place == strip_.size() || !differs(place, residue)) continue;
+        add_edited(row[place + 1], *row[place] + settings_.indel_score);
       }
     }
   }
 
   Row row_behind(const Row& row, char residue) const {
     Row behind(row.size());
-    for (std::size_t base = 0; base < row.size(); ++base) {
-      if (!row[base]) continue;
-      if (may_differ(base, residue)) {
-        add_edited(behind[base], *row[base] + settings_.indel_score);
-      }
-      if (differs(base, residue)) {
-        add_edited(behind[next(base)], *row[base] + settings_.mismatch_score);
+    for (std::size_t place = 0; place < strip_.size(); ++place) {
+      if (!row[place]) continue;
+      if (differs(place, residue)) {
+        add_edited(behind[place], *row[place] + settings_.indel_score);
+        add_edited(behind[place + 1], *row[place] + settings_.mismatch_score);
       } else {
-        const std::int64_t score = *row[base] + (matches(base, residue) ? 1 : 0);
-        auto& cell = behind[next(base)];
-        cell = std::max(cell.value_or(score), score);
+        raise(behind[place + 1], *row[place] + (matches(place, residue) ? 1 : 0));
       }
     }
     return behind;
   }
 
   const reference::Settings& settings_;
-  std::vector<std::string> unit_;  ///< All bases that may be due, for each place in turn.
+  PlainGroup group_;
+  std::string_view strip_;
   std::string_view ahead_;
-  std::size_t turns_;
+  std::vector<Begin> begins_;
 };
 
-/// The bound of the starts from `first` to `last`: the best score forward of all, and backward from
-/// there.
+/// The bound of a group: the best score forward of all, and backward from there.
+inline std::int64_t plain_wraparound_bound(std::string_view residues,
+                                           const reference::Settings& settings,
+                                           const PlainGroup& group) {
+  std::vector<PlainWraparound::Begin> forward;
+  std::vector<PlainWraparound::Begin> backward;
+  for (std::size_t start = group.first_start; start <= group.last_start; ++start) {
+    for (std::size_t length = group.first_length; length <= group.last_length; ++length) {
+      const std::size_t from_first = start - group.first_start;
+      const std::size_t to_last = group.last_start - start;
+      forward.push_back({from_first + length - group.first_length, from_first});
+      backward.push_back({to_last, to_last + group.last_length - length});
+    }
+  }
+  const std::size_t end = group.last_start + group.last_length;
+  std::string strip(residues.substr(group.first_start, end - group.first_start));
+  const std::int64_t best =
+      PlainWraparound(settings, group, strip,
+                      residues.substr(group.first_start + group.first_length), std::move(forward))
+          .best_score(0);
+  std::reverse(strip.begin(), strip.end());
+  std::string before(residues.substr(0, group.last_start));
+  std::reverse(before.begin(), before.end());
+  return PlainWraparound(settings, group, strip, before, std::move(backward)).best_score(best);
+}
+
+/// The bound of the starts from `first` to `last`, with one unit length.
 inline std::int64_t plain_wraparound_bound(std::string_view residues,
                                            const reference::Settings& settings, std::size_t first,
                                            std::size_t last, std::size_t unit_length) {
-  const std::size_t turns = last - first;
-  const std::int64_t forward = PlainWraparound(settings, residues.substr(first, unit_length),
-                                               residues.substr(first + unit_length), turns)
-                                   .best_score(0);
-  std::string unit(residues.substr(last, unit_length));
-  std::reverse(unit.begin(), unit.end());
-  std::string before(residues.substr(0, last));
-  std::reverse(before.begin(), before.end());
-  return PlainWraparound(settings, unit, before, turns).best_score(forward);
+  return plain_wraparound_bound(residues, settings, {first, last, unit_length, unit_length});
 }
 
 /// The bound of one candidate.

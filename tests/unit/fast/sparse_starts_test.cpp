@@ -60,6 +60,32 @@ TEST(SparseStarts, HoldWhatWasAddedInEitherOrder) {
   }
 }
 
+TEST(SparseStarts, LoseWhatIsSubtracted) {
+  std::size_t lost = 0;
+  for (std::uint64_t seed = 0; seed < 100; ++seed) {
+    SCOPED_TRACE(seed);
+    differential::Random random(seed);
+    SparseStarts starts;
+    SparseStarts other;
+    std::set<std::ptrdiff_t> added;
+    std::set<std::ptrdiff_t> subtracted;
+    for (std::ptrdiff_t word = 0; word < 3'000; word += 64) {
+      const std::uint64_t bits = random.per_cent(60) ? random.next() & random.next() : 0;
+      const std::uint64_t taken = random.per_cent(40) ? bits : random.next() & random.next();
+      starts.add_rising(word, bits);
+      insert(added, word, bits);
+      if (random.per_cent(50)) continue;
+      other.add_rising(word, taken);
+      insert(subtracted, word, taken);
+    }
+    starts.subtract(other);
+    lost += std::erase_if(added, [&](std::ptrdiff_t start) { return subtracted.contains(start); });
+    EXPECT_EQ(contents(starts), added);
+    EXPECT_EQ(starts.count(), added.size());
+  }
+  EXPECT_GT(lost, 1'000U);
+}
+
 TEST(SparseStarts, StoreOnlyWordsThatHoldStarts) {
   SparseStarts starts;
   EXPECT_TRUE(starts.is_empty());

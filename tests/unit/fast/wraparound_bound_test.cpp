@@ -34,19 +34,19 @@ using reference::Settings;
 
 using Starts = std::vector<std::ptrdiff_t>;
 
-/// One sequence and one unit length.
+/// One sequence, and one unit length or several in a row.
 class BoundedSequence {
  public:
-  BoundedSequence(std::string residues, const Settings& settings, std::size_t unit_length)
+  BoundedSequence(std::string residues, const Settings& settings, std::size_t unit_length,
+                  std::size_t more_lengths = 0)
       : residues_(std::move(residues)),
         settings_(settings),
-        unit_length_(unit_length),
+        first_length_(unit_length),
+        last_length_(unit_length + more_lengths),
         dna_(residues_) {
     reference::set_settings_of_the_product(settings);
-    for (std::size_t start = 0; start + unit_length < residues_.size(); ++start) {
-      if (holds_only_bases(std::string_view(residues_).substr(start, unit_length))) {
-        starts_.push_back(static_cast<std::ptrdiff_t>(start));
-      }
+    for (std::size_t start = 0; start + last_length_ < residues_.size(); ++start) {
+      if (is_unit(start, first_length_)) starts_.push_back(static_cast<std::ptrdiff_t>(start));
     }
   }
 
@@ -65,27 +65,35 @@ class BoundedSequence {
     while (bounds.size() < starts_.size()) {
       const auto first = starts_.begin() + static_cast<std::ptrdiff_t>(bounds.size());
       const auto end = std::lower_bound(first, starts_.end(), *first + group);
-      const std::int64_t bound =
-          plain_wraparound_bound(residues_, settings_, static_cast<std::size_t>(*first),
-                                 static_cast<std::size_t>(*(end - 1)), unit_length_);
+      const std::int64_t bound = plain_wraparound_bound(
+          residues_, settings_,
+          {static_cast<std::size_t>(*first), static_cast<std::size_t>(*(end - 1)), first_length_,
+           last_length_});
       bounds.insert(bounds.end(), static_cast<std::size_t>(end - first), bound);
     }
     return bounds;
   }
 
-  std::ptrdiff_t largest_group() const { return static_cast<std::ptrdiff_t>(unit_length_); }
+  std::ptrdiff_t largest_group() const { return static_cast<std::ptrdiff_t>(first_length_); }
 
-  int score(std::ptrdiff_t start) const {
-    return extended_plainly(residues_, settings_, static_cast<std::size_t>(start), unit_length_)
-        .score;
+  /// The best that the extension reaches with one of the unit lengths.
+  int score(std::ptrdiff_t first_residue) const {
+    const auto start = static_cast<std::size_t>(first_residue);
+    int best = std::numeric_limits<int>::min();
+    for (std::size_t length = first_length_; length <= last_length_; ++length) {
+      if (!is_unit(start, length)) continue;
+      best = std::max(best, extended_plainly(residues_, settings_, start, length).score);
+    }
+    return best;
   }
 
   Starts survivors(int min_score, std::span<const WraparoundKernel> kernels,
                    std::ptrdiff_t group = 1) const {
-    WraparoundBound bound(dna_.at(0), dna_.end(), static_cast<std::ptrdiff_t>(unit_length_),
-                          min_score, kernels);
+    const UnitLengths lengths{static_cast<std::ptrdiff_t>(first_length_),
+                              static_cast<std::ptrdiff_t>(last_length_)};
+    WraparoundBound bound(dna_.residues.view(), lengths, min_score, group, kernels);
     Starts starts = starts_;
-    starts.resize(bound.keep_survivors(starts, group));
+    starts.resize(bound.keep_survivors(starts));
     return starts;
   }
 
@@ -104,14 +112,20 @@ class BoundedSequence {
   }
 
   std::string description(int min_score) const {
-    return "unit length " + std::to_string(unit_length_) + ", score " + std::to_string(min_score) +
-           "\n" + differential::describe(settings_) + "\n" + residues_;
+    return "unit lengths " + std::to_string(first_length_) + " to " + std::to_string(last_length_) +
+           ", score " + std::to_string(min_score) + "\n" + differential::describe(settings_) +
+           "\n" + residues_;
   }
 
  private:
+  bool is_unit(std::size_t start, std::size_t length) const {
+    return holds_only_bases(std::string_view(residues_).substr(start, length));
+  }
+
   std::string residues_;
   const Settings& settings_;
-  std::size_t unit_length_;
+  std::size_t first_length_;
+  std::size_t last_length_;
   Dna dna_;
   Starts starts_;
 };
@@ -194,6 +208,20 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTexts) {
   EXPECT_GT(tried_, 1'000U);
 }
 
+TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForSeveralUnitLengthsInAllShortTexts) {
+  for (const Settings& settings : {cheap_edits(-2, -2), cheap_edits(-2, -1), cheap_edits(-3, -2)}) {
+    differential::for_each_string_up_to("AC", 9 - kShorter, [&](const std::string& text) {
+      for (std::size_t unit_length = 1; unit_length <= 3; ++unit_length) {
+        for (std::size_t more = 1; more <= 3 && unit_length + more < text.size(); ++more) {
+          expect_definition_in_groups({text, settings, unit_length, more});
+        }
+      }
+      return !HasFailure();
+    });
+  }
+  EXPECT_GT(tried_, 1'000U);
+}
+
 TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTextsWithN) {
   for (const int allowed : {0, 1, 2}) {
     Settings settings = cheap_edits(-2, -2);
@@ -203,6 +231,9 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForAllShortTextsWithN) {
       for (std::size_t unit_length = 1; unit_length <= 3 && unit_length < text.size();
            ++unit_length) {
         expect_definition_in_groups({text, settings, unit_length});
+        if (text.size() > unit_length + 2) {
+          expect_definition_in_groups({text, settings, unit_length, 2});
+        }
       }
       return !HasFailure();
     });
@@ -218,6 +249,9 @@ TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAShortText) {
       for (std::size_t unit_length = 1; unit_length <= 4 && unit_length < text.size();
            ++unit_length) {
         expect_scores_within_reach({text, settings, unit_length});
+        if (text.size() > unit_length + 1) {
+          expect_scores_within_reach({text, settings, unit_length, 1});
+        }
       }
       return !HasFailure();
     });
@@ -236,6 +270,11 @@ Settings random_bound_settings(Random& random) {
 
 std::string background(Random& random, std::size_t most) {
   return random_residues(random, random.below(most), random.per_cent(60) ? "ACGT" : "AAACTTTG");
+}
+
+/// Of those that are judged together with one: none, a few, or as many as a search takes or more.
+std::size_t random_more_lengths(Random& random, std::size_t unit_length) {
+  return random.per_cent(40) ? 0 : random.below(unit_length / 4 + 3);
 }
 
 /// Copies of one unit that differ, with junk around them and between some of them.
@@ -263,7 +302,8 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForPlantedRepeats) {
     Random random(seed);
     const auto unit_length = static_cast<std::size_t>(random.between(1, 70));
     const Settings settings = random_bound_settings(random);
-    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length,
+                             random_more_lengths(random, unit_length));
     sequence.thin_out(random, 1 + random.below(100));
     ASSERT_NO_FATAL_FAILURE(expect_definition_in_groups(sequence));
   }
@@ -277,7 +317,8 @@ TEST_F(WraparoundBoundTest, IsWhatItsDefinitionSaysForLongUnits) {
       SCOPED_TRACE(unit_length);
       Random random(1000 * unit_length + seed);
       const Settings settings = random_bound_settings(random);
-      BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+      BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length,
+                               seed * 3);
       sequence.thin_out(random, 12);
       ASSERT_NO_FATAL_FAILURE(expect_definition_in_groups(sequence));
     }
@@ -294,7 +335,8 @@ TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAPlantedRepeat) {
     Settings settings = random_bound_settings(random);
     settings.maximum_recursion_depth = random.between(1, 2);
     if (random.per_cent(30)) settings.maximum_scorereduction = random.between(0, 60);
-    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
+    BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length,
+                             random_more_lengths(random, unit_length));
     sequence.thin_out(random, 40);
     ASSERT_NO_FATAL_FAILURE(expect_scores_within_reach(sequence));
   }
@@ -302,19 +344,25 @@ TEST_F(WraparoundBoundTest, IsNeverBelowTheScoreOfAPlantedRepeat) {
   EXPECT_GT(rejected_, 1'000U * kWorkload);
 }
 
-TEST_F(WraparoundBoundTest, IsNeverBelowThatOfAStartOfTheGroup) {
+TEST_F(WraparoundBoundTest, IsNeverBelowThatOfACandidateOfTheGroup) {
   std::size_t higher = 0;
   for (std::uint64_t seed = 0; seed < 60 * kWorkload; ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const auto unit_length = static_cast<std::size_t>(random.between(4, 20));
+    const std::size_t more = random.below(3);
     const Settings settings = random_bound_settings(random);
-    const BoundedSequence sequence(planted_repeat(random, unit_length), settings, unit_length);
-    const std::vector<std::int64_t> alone = sequence.bounds(1);
+    const std::string residues = planted_repeat(random, unit_length);
+    const BoundedSequence sequence(residues, settings, unit_length, more);
     const std::vector<std::int64_t> together = sequence.bounds(sequence.largest_group());
-    for (std::size_t i = 0; i < alone.size(); ++i) {
-      ASSERT_GE(together[i], alone[i]) << "start " << sequence.starts()[i];
-      if (together[i] > alone[i]) ++higher;
+    for (std::size_t i = 0; i < together.size(); ++i) {
+      const auto start = static_cast<std::size_t>(sequence.starts()[i]);
+      for (std::size_t length = unit_length; length <= unit_length + more; ++length) {
+        if (!holds_only_bases(std::string_view(residues).substr(start, length))) continue;
+        const std::int64_t alone = plain_wraparound_bound(residues, settings, start, length);
+        ASSERT_GE(together[i], alone) << "start " << start << ", unit length " << length;
+        if (together[i] > alone) ++higher;
+      }
     }
   }
   EXPECT_GT(higher, 100U * kWorkload);

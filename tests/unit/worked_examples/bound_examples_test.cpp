@@ -106,8 +106,7 @@ TEST_F(BoundExamples, PlaceSetsKernelH) {
 TEST_F(BoundExamples, WraparoundKernelH) {
   const auto survives = [](std::string_view residues, int min_score,
                            const WraparoundKernel& kernel) {
-    const Dna dna(residues);
-    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score, {&kernel, 1});
+    WraparoundBound bound(residues, {2, 2}, min_score, 1, {&kernel, 1});
     std::ptrdiff_t starts[] = {2};
     return bound.keep_survivors(starts) == 1;
   };
@@ -120,16 +119,27 @@ TEST_F(BoundExamples, WraparoundKernelH) {
 }
 
 TEST_F(BoundExamples, WraparoundKernelHGroups) {
-  const Dna dna("GTACACACGGTT");
   const auto survivors = [&](int min_score, std::ptrdiff_t group) {
-    WraparoundBound bound(dna.at(0), dna.end(), 2, min_score);
+    WraparoundBound bound("GTACACACGGTT", {2, 2}, min_score, group);
     std::ptrdiff_t starts[] = {2, 3};
-    return bound.keep_survivors(starts, group);
+    return bound.keep_survivors(starts);
   };
   EXPECT_EQ(survivors(4, 1), 2U);
   EXPECT_EQ(survivors(5, 1), 0U);
   EXPECT_EQ(survivors(5, 2), 2U);
   EXPECT_EQ(survivors(6, 2), 0U);
+}
+
+TEST_F(BoundExamples, JointBoundH) {
+  const std::string_view residues = "ACAACACACAC";
+  const auto survives = [&](const UnitLengths& lengths, int min_score) {
+    WraparoundBound bound(residues, lengths, min_score);
+    std::ptrdiff_t starts[] = {0};
+    return bound.keep_survivors(starts) == 1;
+  };
+  for (const int least : {1, 2}) EXPECT_EQ(survives({2, 2}, least), least == 1);
+  for (const int least : {3, 4}) EXPECT_EQ(survives({3, 3}, least), least == 3);
+  for (const int least : {8, 9}) EXPECT_EQ(survives({2, 3}, least), least == 8);
 }
 
 }  // namespace
