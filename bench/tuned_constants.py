@@ -8,7 +8,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from inputs import Genome, background, background_records, diverged_array
-from workloads import CHR22, DEFAULTS, ECOLI, EXTEND_EXACT, FALCIPARUM, KBP, MBP, Work
+from workloads import CENTROMERE, CHR22, DEFAULTS, ECOLI, EXTEND_EXACT, FALCIPARUM, KBP, MBP, Work
 
 FILTER = "src/imperfect/filter/"
 WRAPAROUND = "src/imperfect/wraparound/"
@@ -44,6 +44,7 @@ def constants(divisor: int) -> list[Constant]:
     middle_units = Work(("-u", "11", "-U", "50"), Genome(ECOLI, 200 * KBP // divisor))
     middle_units_human = Work(("-u", "41", "-U", "50"), Genome(CHR22, 200 * KBP // divisor))
     long_units_human = Work(("-u", "291", "-U", "300"), Genome(CHR22, 20 * KBP // divisor))
+    satellite = Work(("-u", "170", "-U", "180"), Genome(CENTROMERE, 60 * KBP // divisor))
     cheap = Work(("-u", "11", "-U", "20", "-m", "-2", "-g", "-3"), Genome(ECOLI, 20 * KBP // divisor))
     tiny_records = Work(DEFAULTS, background_records(4 * MBP // divisor, 150))
     records_long_units = Work(("-u", "51", "-U", "60"), background_records(200 * KBP // divisor, 1000))
@@ -58,7 +59,8 @@ def constants(divisor: int) -> list[Constant]:
         Constant("horizon_of_glance", filter_cpp, ("3 + unit_length", "12 + unit_length"), filtered),
         Constant("horizon_of_short_sequence", filter_cpp, ("8 + unit_length", "32 + unit_length"),
                  (records_long_units,)),
-        Constant("horizon_of_full_lanes", filter_cpp, ("16 + unit_length", "64 + unit_length"), filtered),
+        Constant("kFarBeyondUnit", filter_cpp, ("16", "64"), filtered),
+        Constant("kNearBeyondUnit", filter_cpp, ("8", "32"), filtered),
         Constant("kShortUnit", filter_cpp, ("3", "12"), filtered),
         Constant("kChecksWithoutLossOfFullLanes", filter_cpp, ("4", "16"), (*filtered, middle_units_human)),
         Constant("kFirstCheck", filter_cpp, ("6", "14"), filtered),
@@ -80,6 +82,12 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kGroupsInUnit", FILTER + "start_filter.cpp", ("7", "28"), (middle_units_human, long_units_human, cheap)),
         Constant("kMostRowsPerBase", WRAPAROUND + "wraparound_bound.cpp", ("8", "128"), (cheap, middle_units_human)),
         Constant("kWorthALook", WRAPAROUND + "wraparound_bound.cpp", ("16", "64"), (middle_units_human, long_units_human)),
+        Constant("kOfTen", WRAPAROUND + "wraparound_bound.cpp", ("6", "9"), (long_units_human, satellite)),
+        Constant("kCallsPerTry", WRAPAROUND + "wraparound_bound.cpp", ("4", "64"), (long_units_human, satellite)),
+        Constant("kLengthsInUnit", WRAPAROUND + "joint_bound.cpp", ("5", "20"), (middle_units_human, long_units_human)),
+        Constant("kSplit", WRAPAROUND + "joint_bound.cpp", ("3", "12"), (middle_units_human, long_units_human)),
+        Constant("kJointGroupsInUnit", WRAPAROUND + "joint_bound.cpp", ("7", "28"),
+                 (middle_units_human, long_units_human)),
         Constant("kWraparoundRowsPerLook", WRAPAROUND + "wraparound_kernel.h", ("4", "16"), (cheap, middle_units_human)),
         Constant("kMostBlocks", FILTER + "start_queue.h", ("8", "128"), filtered),
         Constant("kFewResiduesPerSurvivor", FILTER + "series_filter.cpp", ("2", "16"), (tiny_records, medium_records)),

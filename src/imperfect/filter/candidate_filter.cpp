@@ -25,7 +25,15 @@ static_assert(kFilterWords == StartBlock::kWords);
 /// allow. With full lanes it pays to look further, for sequence that is poor in some bases.
 int horizon_of_glance(int unit_length) { return 6 + unit_length; }
 int horizon_of_short_sequence(int unit_length) { return 16 + unit_length; }
-int horizon_of_full_lanes(int unit_length) { return 32 + unit_length; }
+
+/// With full lanes: no further than 64 offsets show, for units of up to 10, where what is left is
+/// cheap: extensions of the shortest units, and the wraparound bound for units of 7 and more.
+constexpr int kFarBeyondUnit = 32;
+constexpr int kNearBeyondUnit = 16;
+int horizon_of_full_lanes(int unit_length) {
+  const bool is_near = unit_length < 5 || (unit_length > 6 && unit_length <= 10);
+  return unit_length + (is_near ? kNearBeyondUnit : kFarBeyondUnit);
+}
 
 /// An extension of a short unit costs little more than a step of the filter with a few starts; one
 /// of a long unit so much that the filter is never too dear.
@@ -105,8 +113,7 @@ FilterPlan plan_of_full_lanes(int unit_length, int min_score) {
 
 std::size_t CandidateFilter::margin(unsigned unit_length) {
   const unsigned filtered = std::min(unit_length, kLongestUnit);
-  return filtered + 2 * static_cast<unsigned>(horizon_of_full_lanes(static_cast<int>(filtered))) +
-         StartBlock::kStarts + 2 * kBitsPerWord;
+  return filtered + 2 * (filtered + kFarBeyondUnit) + StartBlock::kStarts + 2 * kBitsPerWord;
 }
 
 CandidateFilter::CandidateFilter(const BitPlanes& planes, unsigned unit_length, int min_score,

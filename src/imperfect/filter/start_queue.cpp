@@ -32,7 +32,7 @@ bool StartQueue::next_block() {
       continue;
     }
     if (blocks_.empty()) return has_block_ = false;
-    for (const std::ptrdiff_t start : filter_.look_closely()) block_of(start).keep(start);
+    keep(filter_.look_closely());
   }
   blocks_.front().collect(blocks_.front().begin(), marks_.anchors());
   return has_block_ = true;
@@ -43,10 +43,13 @@ bool StartQueue::has_judged_block() const {
          (filter_.doubts() == 0 || filter_.first_doubt() >= blocks_.front().end());
 }
 
-StartBlock& StartQueue::block_of(std::ptrdiff_t start) {
-  assert(start >= blocks_.front().begin() && start < blocks_.back().end());
-  return *std::find_if(blocks_.begin(), blocks_.end(),
-                       [=](const StartBlock& block) { return start < block.end(); });
+void StartQueue::keep(std::span<const std::ptrdiff_t> starts) {
+  auto block = blocks_.begin();
+  for (const std::ptrdiff_t start : starts) {
+    while (start >= block->end()) ++block;
+    assert(start >= block->begin());
+    block->keep(start);
+  }
 }
 
 // Blocks in which no start is similar need not be looked at.

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <deque>
 #include <optional>
+#include <span>
 
 #include "imperfect/filter/series_filter.h"
 #include "imperfect/filter/start_filter.h"
@@ -61,7 +62,8 @@ class StartQueue {
   bool has_judged_block() const;
   void pass_over_blocks();
   void add_block();
-  StartBlock& block_of(std::ptrdiff_t start);
+  /// Adds starts of any blocks, in rising order, to the survivors.
+  void keep(std::span<const std::ptrdiff_t> starts);
 
   const RecordSearch& record_;
   std::ptrdiff_t starts_;
