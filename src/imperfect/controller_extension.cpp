@@ -27,10 +27,14 @@ SimilarStarts CSearchController::similar_starts(unsigned unit_length, const CAnc
 
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   RecordSearch& record = record_search(SeedKind::kPerfectRepeat);
+  unsigned unit_length = 0;
+  Thresholds thresholds{};
   extend_seeds(record.planes(), [&](Csat& seed) {
     if (record.ways().is_full()) record.ways().forget();
-    const unsigned unit_length = seed.unit_length();
-    const Thresholds thresholds{(*minScores_user)[unit_length], (*minLengths_user)[unit_length]};
+    if (seed.unit_length() != unit_length) {
+      unit_length = seed.unit_length();
+      thresholds = {(*minScores_user)[unit_length], (*minLengths_user)[unit_length]};
+    }
     if (!record.may_reach(seed, thresholds.score)) return false;
     PassedOver passed_over;
     return record.extend_and_accept(seed, thresholds, passed_over);

@@ -115,7 +115,6 @@ class CSearchController {
   void find_perfect_repeats(const BitPlanes& planes, const TakeRepeat& take);
   void find_perfect_repeats(unsigned unit_length, const BitPlanes& planes, CAnchorSeq& mask,
                             const TakeRepeat& take);
-  bool is_shown(const Csat& sat) const;
 
   /// Extends a seed over edits and tells whether it is accepted then.
   using ExtendSeed = std::function<bool(Csat& seed)>;

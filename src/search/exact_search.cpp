@@ -28,6 +28,14 @@
 #include "search/unit_scan.h"
 
 namespace vorlan {
+namespace {
+
+bool has_shown_perfection(const Csat& sat) {
+  const float perfection = sat.perfection();
+  return global_min_perfection <= perfection && perfection <= global_max_perfection;
+}
+
+}  // namespace
 
 // The scan of unit length 1 goes on behind each repeat it finds, and leaves no marks. Longer units
 // are kept out of repeats by the marks alone.
@@ -36,6 +44,9 @@ void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlan
   const PerfectExtension extension(residues());
   const int min_score = (*minScores)[unit_length];
   const int min_length = (*minLengths)[unit_length];
+  // For seeds of the extend-exact mode the thresholds of the user differ from the active ones.
+  const int shown_score = (*minScores_user)[unit_length];
+  const int shown_length = (*minLengths_user)[unit_length];
   const ExactFilter filter(planes, unit_length, min_score);
   UnitScan scan(seq_begin(), seq_end(), unit_length);
   RunSamples samples(planes, unit_length, min_score, scan.starts());
@@ -60,7 +71,8 @@ void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlan
       if (!sat.reaches(min_score, min_length)) continue;
       if (unit_length == 1) {
         next_start = sat.pos_right - seq_begin();
-      } else if (is_shown(sat)) {
+      } else if (sat.reaches(shown_score, shown_length) && has_shown_perfection(sat)) {
+        // Only a repeat that the user will see closes its span.
         mask.close(sat);
         block.collect(offset + 1, mask);
       }
@@ -68,15 +80,6 @@ void CSearchController::find_perfect_repeats(unsigned unit_length, const BitPlan
     }
     report_progress(progress, block.end(), next_start);
   }
-}
-
-// Only a repeat that the user will see closes its span. For seeds of the extend-exact mode the
-// thresholds of the user differ from the active ones.
-bool CSearchController::is_shown(const Csat& sat) const {
-  const unsigned unit_length = sat.unit_length();
-  if (!sat.reaches((*minScores_user)[unit_length], (*minLengths_user)[unit_length])) return false;
-  const float perfection = sat.perfection();
-  return global_min_perfection <= perfection && perfection <= global_max_perfection;
 }
 
 void CSearchController::find_perfect_repeats(const BitPlanes& planes, const TakeRepeat& take) {
