@@ -29,6 +29,16 @@ constexpr std::int64_t kLargestWide = std::numeric_limits<std::int16_t>::max();
 /// "Tuning".
 constexpr std::int64_t kWorthALook = 32;
 
+/// A look is worth its time if it leaves less than so many of ten starts; it is tried once in so
+/// many calls even if not. Both chosen by the bench, table "Tuning".
+constexpr std::size_t kOfTen = 8;
+constexpr unsigned kCallsPerTry = 16;
+
+/// With fewer starts nothing is known of a look yet; of more, those that were judged long ago count
+/// half.
+constexpr std::size_t kEnoughJudged = 512;
+constexpr std::size_t kManyJudged = 4'096;
+
 /// The highest score that can be asked for: above it lanes must hold what is gained until that is
 /// noticed.
 std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_lane) {
@@ -38,21 +48,15 @@ std::int64_t highest_min_score(std::ptrdiff_t unit_length, std::int64_t largest_
 
 }  // namespace
 
-// All numbers here were chosen by the bench: table "Tuning", rows of their names.
-
 bool LookRecord::is_worth_it() {
-  constexpr std::size_t kEnoughJudged = 512;
-  constexpr std::size_t kOfTen = 8;
-  constexpr unsigned kCallsPerTry = 16;
   return judged_ < kEnoughJudged || kept_ * 10 < judged_ * kOfTen ||
          ++passed_over_ % kCallsPerTry == 0;
 }
 
 void LookRecord::add(std::size_t judged, std::size_t kept) {
-  constexpr std::size_t kLongAgo = 4'096;
   judged_ += judged;
   kept_ += kept;
-  for (; judged_ > kLongAgo; judged_ /= 2) kept_ /= 2;
+  for (; judged_ > kManyJudged; judged_ /= 2) kept_ /= 2;
 }
 
 bool WraparoundBound::can_judge(std::ptrdiff_t unit_length, int min_score) {

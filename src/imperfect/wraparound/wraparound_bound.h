@@ -23,7 +23,8 @@ struct UnitLengths {
   std::ptrdiff_t last;
 };
 
-/// What a look has been worth of late. Of what is narrowed down already it may leave nearly all.
+/// What looks of one kind have been worth of late: of starts that are narrowed down already they
+/// may leave nearly all.
 class LookRecord {
  public:
   /// Whether the next look will probably reject enough. Now and then it is tried all the same.

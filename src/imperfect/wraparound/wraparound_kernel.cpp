@@ -351,9 +351,10 @@ class Batch {
   /// After so many rows the last candidate of the largest group begins its paths.
   std::ptrdiff_t last_begin() const { return most_turns_ + lengths_ - 1; }
 
-  // Lets the candidates that are met after so many rows begin their paths. To the right, a start is
-  // met one row later for each base that it lies further on or that its unit is longer; to the
-  // left, those of a start are met together, and longer units have come further.
+  // Lets the candidates that are met after so many rows begin their paths. To the right, a
+  // candidate is met one row later for each base that its start lies further on or that its unit is
+  // longer. To the left, those of a start are met together; of the shorter units, bases are due
+  // that lie further on in the strip.
   template <std::ptrdiff_t direction>
   void begin_paths(std::ptrdiff_t row, Lanes score) {
     const std::ptrdiff_t others = lengths_ - 1;
