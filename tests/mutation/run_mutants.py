@@ -3,7 +3,7 @@
 # SPDX-FileCopyrightText: the Vorlan authors
 """Plant small faults in the program, one at a time, and see which test notices each.
 
-    run_mutants.py [--only TEXT] [--again] [--write FILE]
+    run_mutants.py [--only TEXT] [--again | --remembered] [--write FILE]
 
 The faults stand in mutants.toml. Each is planted in a copy of the tree under build/mutants/, which is
 built again as far as needed; then the tests that `make test` runs are run up to the first red one,
@@ -18,6 +18,7 @@ is one; 2 if the list of faults does not fit the tree.
 
     --only TEXT    only faults whose file or name holds TEXT
     --again        forget what was caught before, as is due when tests have changed
+    --remembered   try nothing: the table has what is remembered, and says how many are not tried yet
     --write FILE   store the table; only after a run with all faults
 """
 
@@ -299,9 +300,10 @@ def times_tried(results: Sequence[Result]) -> str:
     return ", ".join(f"{count} at commit {name}" for name, count in tried.items())
 
 
-def document(results: Sequence[Result]) -> str:
+def document(results: Sequence[Result], untried: int) -> str:
     compiler = output_of("c++", "--version").splitlines()[0]
-    return (f"# Planted faults\n\n{summary(results)}.\n\n{datetime.date.today()}, {compiler}, -O1; tried: "
+    rest = f" {untried} more were not tried yet since their files changed." if untried else ""
+    return (f"# Planted faults\n\n{summary(results)}.{rest}\n\n{datetime.date.today()}, {compiler}, -O1; tried: "
             f"{times_tried(results)}.\nWritten by `make mutants`.\n\n{layers(results)}\n{table(results)}")
 
 
@@ -339,6 +341,16 @@ def write_caught(caught: Mapping[str, Catch]) -> None:
     CAUGHT.write_text(json.dumps({key: asdict(catch) for key, catch in caught.items()}))
 
 
+def is_up_to_date(catch: Catch | None, path: Path) -> bool:
+    return catch is not None and catch.file_digest == digest_of_text(path.read_text())
+
+
+def remembered(mutants: Sequence[Mutant], caught: Mapping[str, Catch]) -> list[Result]:
+    """Those that were caught in the files as they are now."""
+    results = [(mutant, caught.get(key_of(mutant))) for mutant in mutants]
+    return [(mutant, catch) for mutant, catch in results if is_up_to_date(catch, ROOT / mutant.file)]
+
+
 def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
     """Which test catches each; those in `caught`, by key, are known already, and new ones are added."""
     copy_tree()
@@ -348,7 +360,7 @@ def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
     for mutant in mutants:
         key = key_of(mutant)
         catch = caught.get(key)
-        if catch is None or catch.file_digest != digest_of_text((TREE / mutant.file).read_text()):
+        if not is_up_to_date(catch, TREE / mutant.file):
             catch = try_mutant(mutant, catch.layer if catch else "")
         if catch is not None:
             caught[key] = catch
@@ -364,7 +376,9 @@ def main(words: Sequence[str]) -> int:
     parser = argparse.ArgumentParser(description=description, epilog=details,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--only", metavar="TEXT", default="")
-    parser.add_argument("--again", action="store_true")
+    memory = parser.add_mutually_exclusive_group()
+    memory.add_argument("--again", action="store_true")
+    memory.add_argument("--remembered", action="store_true")
     parser.add_argument("--write", metavar="FILE", type=Path)
     options = parser.parse_args(words)
     if options.only and options.write:
@@ -373,12 +387,13 @@ def main(words: Sequence[str]) -> int:
         faults = read_list(Path(__file__).with_name("mutants.toml"))
         check_list(faults, ROOT)
         chosen = [mutant for mutant in faults.mutants if options.only in f"{mutant.file} {mutant.name}"]
-        results = run(chosen, {} if options.again else read_caught())
+        caught = {} if options.again else read_caught()
+        results = remembered(chosen, caught) if options.remembered else run(chosen, caught)
     except ListError as problem:
         print(problem, file=sys.stderr)
         return 2
     if options.write:
-        options.write.write_text(document(results))
+        options.write.write_text(document(results, len(chosen) - len(results)))
     print(summary(results))
     return 0 if results and all(is_as_stated(*result) for result in results) else 1
 

@@ -127,21 +127,48 @@ class BitLookAheadTest : public FreshSettings {
     }
   }
 
+  /// Both look-aheads of one case.
+  struct LookAheads {
+    explicit LookAheads(const Case& given)
+        : settings(Scoring::of_the_run()),
+          plain(settings, given.unit, given.stop),
+          bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0), given.memory) {}
+
+    Scoring settings;
+    LeapAhead<Direction> plain;
+    BitLookAhead<Direction> bits;
+  };
+
+  /// If the bits tell a move, the plain recursion makes it.
+  void compare_move(LookAheads& look_aheads, const Front& front, std::int64_t score,
+                    std::int64_t best) {
+    const auto move = look_aheads.bits.best_move(front, score, best);
+    if (!move) return;
+    const Move expected = look_aheads.plain.best_move(front, score, 0, best).move;
+    ++chosen_[static_cast<std::size_t>(expected)];
+    ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
+        << "score " << score << ", best " << best;
+  }
+
   void compare_moves(const Case& given, int highest_score) {
-    const Scoring settings = Scoring::of_the_run();
-    const LeapAhead<Direction> plain(settings, given.unit, given.stop);
-    BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
-                                 given.memory);
+    LookAheads look_aheads(given);
     for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move({place, cursor}, score, score);
-      if (!move) return;
-      ++told_;
-      const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
-      ++chosen_[static_cast<std::size_t>(expected)];
-      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
-          << "place " << place - given.dna.at(0) << " cursor " << cursor - given.unit.begin
-          << " score " << score;
+      compare_move(look_aheads, {place, cursor}, score, score);
+      if (!testing::Test::HasFatalFailure()) return;
+      ADD_FAILURE() << "place " << place - given.dna.at(0) << " cursor "
+                    << cursor - given.unit.begin;
     });
+  }
+
+  /// In a random text, where up to `most_lost` points are lost since the best score.
+  void compare_random_moves(Random& random, const Settings& settings, int most_lost) {
+    reference::set_settings_of_the_product(settings);
+    const Case given = random_case(random);
+    LookAheads look_aheads(given);
+    for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
+      compare_move(look_aheads, {place, cursor}, score, score + random.between(0, most_lost));
+    });
+    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
   }
 
   /// Whatever is said to stay below a goal does, for goals at and around the score.
@@ -237,7 +264,6 @@ class BitLookAheadTest : public FreshSettings {
     }
   }
 
-  long told_ = 0;
   std::array<long, 4> chosen_{};
   long proofs_ = 0;
   long missed_proofs_ = 0;
@@ -273,21 +299,7 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
     settings.mismatch_score = random.between(-6, -2);
     settings.indel_score = random.between(-6, -2);
     if (random.per_cent(10)) settings.maximum_recursion_depth = random.between(6, 8);
-    reference::set_settings_of_the_product(settings);
-    const auto given = this->random_case(random);
-    const Scoring alignment = Scoring::of_the_run();
-    const LeapAhead<TypeParam> plain(alignment, given.unit, given.stop);
-    BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
-                                 given.memory);
-    this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
-      const auto move = bits.best_move({place, cursor}, score, score);
-      if (!move) return;
-      ++this->told_;
-      const Move expected = plain.best_move({place, cursor}, score, 0, score).move;
-      ++this->chosen_[static_cast<std::size_t>(expected)];
-      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected)) << "score " << score;
-    });
-    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+    ASSERT_NO_FATAL_FAILURE(this->compare_random_moves(random, settings, 0));
   }
   for (const long times : this->chosen_) EXPECT_GT(times, 20);
 }
@@ -300,22 +312,7 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionWhenTheScoreReducti
     settings.maximum_scorereduction = random.between(1, random.per_cent(50) ? 6 : 40);
     settings.mismatch_score = random.between(-4, -2);
     settings.indel_score = random.between(-4, -2);
-    reference::set_settings_of_the_product(settings);
-    const auto given = this->random_case(random);
-    const Scoring alignment = Scoring::of_the_run();
-    const LeapAhead<TypeParam> plain(alignment, given.unit, given.stop);
-    BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
-                                 given.memory);
-    this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
-      const std::int64_t best = score + random.between(0, 8);
-      const auto move = bits.best_move({place, cursor}, score, best);
-      if (!move) return;
-      const Move expected = plain.best_move({place, cursor}, score, 0, best).move;
-      ++this->chosen_[static_cast<std::size_t>(expected)];
-      ASSERT_EQ(static_cast<int>(*move), static_cast<int>(expected))
-          << "score " << score << ", best " << best;
-    });
-    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+    ASSERT_NO_FATAL_FAILURE(this->compare_random_moves(random, settings, 8));
   }
   for (const long times : this->chosen_) EXPECT_GT(times, 20);
 }
