@@ -71,7 +71,10 @@ Rotation find_smallest(std::string_view text) {
 
 std::string smallest_rotation(std::string_view text) {
   const std::size_t start = find_smallest(text).start;
-  return std::string(text.substr(start)) + std::string(text.substr(0, start));
+  std::string rotated;
+  rotated.reserve(text.size());
+  rotated.append(text, start).append(text, 0, start);
+  return rotated;
 }
 
 bool is_primitive(std::string_view text) { return !find_smallest(text).is_repetition; }
@@ -86,7 +89,8 @@ std::string shown_unit(std::string_view motif, UnitMode mode) {
   if (mode == UnitMode::kAsIs) return std::string(motif);
   std::string smallest = smallest_rotation(motif);
   if (mode == UnitMode::kAlphabetical) return smallest;
-  return std::min(smallest, smallest_rotation(reverse_complement(motif)));
+  std::string other = smallest_rotation(reverse_complement(motif));
+  return other < smallest ? other : smallest;
 }
 
 bool fits_motif(std::string_view unit, std::string_view motif, UnitMode mode) {

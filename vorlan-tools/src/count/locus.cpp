@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "errors.h"
+#include "fasta/bases.h"
 #include "io/line_reader.h"
 
 namespace vorlan_tools {
@@ -55,7 +56,7 @@ bool set_motifs(std::string_view text, Locus& locus) {
     std::string motif(part);
     std::transform(motif.begin(), motif.end(), motif.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
-    if (motif.empty() || motif.find_first_not_of("ACGT") != std::string::npos) return false;
+    if (motif.empty() || !holds_only_bases(motif)) return false;
     locus.motifs.push_back(std::move(motif));
   }
   return true;

@@ -9,6 +9,7 @@
 
 #include "convert/motif.h"
 #include "errors.h"
+#include "fasta/bases.h"
 
 namespace vorlan_tools {
 
@@ -40,9 +41,7 @@ bool is_passed_over(std::string_view line) {
   return line.empty() || line.front() == '#' || begins("track") || begins("browser");
 }
 
-bool is_unit(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("ACGT") == std::string_view::npos;
-}
+bool is_unit(std::string_view text) { return !text.empty() && holds_only_bases(text); }
 
 }  // namespace
 
