@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "errors.h"
+
 namespace vorlan_tools {
 
 namespace {
@@ -23,6 +25,13 @@ bool is_same_file(const std::string& input, const std::string& output) {
   struct stat out {};
   return get_status(input, STDIN_FILENO, in) && get_status(output, STDOUT_FILENO, out) &&
          in.st_dev == out.st_dev && in.st_ino == out.st_ino;
+}
+
+void refuse_input_as_output(const std::vector<std::string>& inputs, const std::string& output) {
+  for (const std::string& input : inputs) {
+    if (!is_same_file(input, output)) continue;
+    throw UsageError("The output " + output + " is the same file as the input " + input + ".");
+  }
 }
 
 }  // namespace vorlan_tools
