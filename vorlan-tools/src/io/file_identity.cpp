@@ -12,6 +12,10 @@ namespace vorlan_tools {
 
 namespace {
 
+[[noreturn]] void refuse(const std::string& input, const std::string& output) {
+  throw UsageError("The output " + output + " is the same file as the input " + input + ".");
+}
+
 bool get_status(const std::string& name, int standard_stream, struct stat& status) {
   const int result =
       name == "-" ? ::fstat(standard_stream, &status) : ::stat(name.c_str(), &status);
@@ -29,8 +33,7 @@ bool is_same_file(const std::string& input, const std::string& output) {
 
 void refuse_input_as_output(const std::vector<std::string>& inputs, const std::string& output) {
   for (const std::string& input : inputs) {
-    if (!is_same_file(input, output)) continue;
-    throw UsageError("The output " + output + " is the same file as the input " + input + ".");
+    if (is_same_file(input, output)) refuse(input, output);
   }
 }
 
