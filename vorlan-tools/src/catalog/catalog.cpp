@@ -219,19 +219,12 @@ class CatalogMaker {
   std::vector<Candidate> candidates_;
 };
 
-void refuse_same_file(const std::string& input, const std::string& output) {
-  if (!is_same_file(input, output)) return;
-  throw UsageError("The output " + output + " is the same file as the input " + input + ".");
-}
-
 void require_sense(const CatalogRequest& request) {
   if (request.report == "-" && request.fasta == "-") {
     throw UsageError("Only one of report and FASTA file can be standard input.");
   }
   for (const std::string& output : {request.output, request.rejected}) {
-    if (output.empty()) continue;
-    refuse_same_file(request.report, output);
-    refuse_same_file(request.fasta, output);
+    if (!output.empty()) refuse_input_as_output({request.report, request.fasta}, output);
   }
   if (request.output == request.rejected) {
     throw UsageError("The catalogue and the rejected repeats need two files.");

@@ -3,13 +3,10 @@
 
 #include "catalog/locus_file.h"
 
-#include <htslib/tbx.h>
-
 #include <algorithm>
 
-#include "convert/index_order.h"
+#include "convert/tabix_index.h"
 #include "errors.h"
-#include "io/pending_file.h"
 
 namespace vorlan_tools {
 
@@ -49,20 +46,12 @@ void LocusFile::write(std::string_view name, const Locus& locus) {
 
 void LocusFile::finish() {
   file_.write(catalog_ending(request_.genotyper));
-  file_.close();
   if (!request_.write_index) {
-    file_.commit();
+    file_.finish();
     return;
   }
-  const bool is_csi = longest_end_ > IndexOrder::kPlainIndexLimit;
-  PendingFile index(request_.output + (is_csi ? ".csi" : ".tbi"));
   const tbx_conf_t layout = layout_of(rules_of(request_.genotyper));
-  if (tbx_index_build3(file_.path().c_str(), index.path().c_str(),
-                       is_csi ? kCsiShift : kPlainIndexShift, 1, &layout) != 0) {
-    throw DataError("Cannot write the index of " + request_.output + ".");
-  }
-  file_.commit();
-  index.commit();
+  finish_with_index(file_, request_.output, longest_end_, layout, 1);
 }
 
 }  // namespace vorlan_tools

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "convert/text_append.h"
+#include "fasta/bases.h"
 #include "report/field_cursor.h"
 
 namespace vorlan_tools {
@@ -14,16 +15,19 @@ namespace {
 
 enum class Column { kMatch, kBridgedN, kMismatch, kInsertion, kDeletion, kImpossible };
 
-bool is_base(char c) { return c == 'A' || c == 'C' || c == 'G' || c == 'T'; }
+/// Nearly all columns show a match.
+bool is_match(char base, char sign, char expected) {
+  return sign == '|' && base == expected && is_base(base);
+}
 
 /// What a column shows; kImpossible for what none can show.
 Column column_of(char base, char sign, char expected) {
+  if (is_match(base, sign, expected)) return Column::kMatch;
   if (base == '-')
     return sign == ' ' && is_base(expected) ? Column::kDeletion : Column::kImpossible;
   if (!is_base(base) && base != 'N') return Column::kImpossible;
   if (expected == '-') return sign == ' ' ? Column::kInsertion : Column::kImpossible;
   if (!is_base(expected)) return Column::kImpossible;
-  if (sign == '|') return base == expected ? Column::kMatch : Column::kImpossible;
   if (sign == '*') return base == 'N' ? Column::kBridgedN : Column::kImpossible;
   return sign == ' ' && base != expected ? Column::kMismatch : Column::kImpossible;
 }
@@ -39,7 +43,7 @@ std::uint64_t first_alignment_line(const Repeat& repeat) { return repeat.last_li
 
 /// An N that is bridged is never edited.
 bool edits_an_n(Column column, char base, const Settings& settings) {
-  return bridges_ns(settings) && base == 'N' &&
+  return base == 'N' && bridges_ns(settings) &&
          (column == Column::kMismatch || column == Column::kInsertion);
 }
 
@@ -69,15 +73,14 @@ void count_column(Column column, AlignmentFacts& facts) {
 
 /// The unit line must repeat after a unit; its first copy is the motif.
 void find_period(const Repeat& repeat, AlignmentFacts& facts, Findings& findings) {
-  std::string unrolled = repeat.unit_line;
-  unrolled.erase(std::remove(unrolled.begin(), unrolled.end(), '-'), unrolled.end());
+  std::string ungapped;
+  const std::string_view unrolled = without_gaps(repeat.unit_line, ungapped);
   const auto unit_length = static_cast<std::size_t>(repeat.unit_length);
   if (unrolled.size() < unit_length) {
     findings.add(first_alignment_line(repeat) + 2, "the unit line is shorter than one unit");
     return;
   }
-  for (std::size_t i = unit_length; i < unrolled.size(); ++i) {
-    if (unrolled[i] == unrolled[i - unit_length]) continue;
+  if (unrolled.substr(unit_length) != unrolled.substr(0, unrolled.size() - unit_length)) {
     findings.add(first_alignment_line(repeat) + 2,
                  "the unit line does not repeat after " + std::to_string(unit_length) + " bases");
     return;
@@ -189,6 +192,13 @@ class EventReader {
 };
 
 }  // namespace
+
+std::string_view without_gaps(std::string_view line, std::string& ungapped) {
+  if (line.find('-') == std::string_view::npos) return line;
+  ungapped = line;
+  ungapped.erase(std::remove(ungapped.begin(), ungapped.end(), '-'), ungapped.end());
+  return ungapped;
+}
 
 std::optional<AlignmentFacts> read_alignment(const Repeat& repeat, const Settings& settings,
                                              Findings& findings) {

@@ -23,6 +23,9 @@ struct AlignmentFacts {
   std::string events;       ///< as format 1 lists them
 };
 
+/// A line of an alignment without its '-', which is put into `ungapped` unless it is the same.
+std::string_view without_gaps(std::string_view line, std::string& ungapped);
+
 /// Reads the three lines of an alignment column by column. What no alignment can show becomes a
 /// finding at its line; nothing is returned then, since nothing else can be trusted. Requires
 /// has_alignment().

@@ -3,6 +3,7 @@
 
 #include "check/entry_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string>
@@ -14,22 +15,23 @@ namespace vorlan_tools {
 
 namespace {
 
-/// Blanks in front until `value` has the width.
-void append_padded(RowText& text, std::string_view value, std::size_t width) {
-  for (std::size_t size = value.size(); size < width; ++size) text += ' ';
-  text += value;
-}
+constexpr std::string_view kBlanks = "         ";
 
+/// Blanks in front of the number until it has the width, which is at most that of kBlanks.
 void append_padded(RowText& text, std::int64_t number, std::size_t width) {
-  std::array<char, 24> digits{};
-  const char* const end = std::to_chars(digits.begin(), digits.end(), number).ptr;
-  append_padded(text, {digits.begin(), end}, width);
+  std::array<char, 33> field;
+  char* const digits = std::copy(kBlanks.begin(), kBlanks.end(), field.begin());
+  const char* const end = std::to_chars(digits, field.end(), number).ptr;
+  const auto size = static_cast<std::size_t>(end - digits);
+  const std::size_t blanks = width - std::min(width, size);
+  text += {digits - blanks, blanks + size};
 }
 
 void append_padded_thousandths(RowText& text, Thousandths value, std::size_t width) {
   std::string shown;
   append_thousandths(shown, value);
-  append_padded(text, shown, width);
+  text += kBlanks.substr(0, width - std::min(width, shown.size()));
+  text += shown;
 }
 
 void append_label(RowText& text, std::int64_t unit_length) {

@@ -27,8 +27,8 @@ class Findings {
   /// "WHAT is STATED, must be TRUE", unless they are equal.
   template <typename Value>
   void expect(std::uint64_t line, const char* what, const Value& stated, const Value& must) {
-    if (stated != must)
-      add(line, std::string(what) + " is " + text_of(stated) + ", must be " + text_of(must));
+    if (stated != must) [[unlikely]]
+      add_difference(line, what, stated, must);
   }
 
   std::uint64_t count() const { return count_; }
@@ -37,6 +37,13 @@ class Findings {
   bool is_full() const { return limit_ != 0 && count_ >= limit_; }
 
  private:
+  /// Kept out of the callers, which would not be compiled into their loops with this.
+  template <typename Value>
+  [[gnu::noinline]] void add_difference(std::uint64_t line, const char* what, const Value& stated,
+                                        const Value& must) {
+    add(line, std::string(what) + " is " + text_of(stated) + ", must be " + text_of(must));
+  }
+
   static std::string text_of(std::int64_t number) { return std::to_string(number); }
   static std::string text_of(const std::string& text) { return "\"" + text + "\""; }
 

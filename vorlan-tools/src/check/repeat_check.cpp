@@ -9,6 +9,7 @@
 #include "check/entry_text.h"
 #include "check/unit_distance.h"
 #include "check/unit_forms.h"
+#include "fasta/bases.h"
 #include "report/field_cursor.h"
 
 namespace vorlan_tools {
@@ -24,8 +25,11 @@ bool shows_flanks(const Settings& settings) {
   return settings.format != Format::kGff;
 }
 
+/// Without a way out, like holds_only_bases().
 bool is_stretch_of_bases(std::string_view text) {
-  return text.find_first_not_of("ACGTN") == std::string_view::npos;
+  bool is_so = true;
+  for (const char c : text) is_so &= is_base(c) || c == 'N';
+  return is_so;
 }
 
 std::int64_t size_of(std::string_view text) { return static_cast<std::int64_t>(text.size()); }
@@ -114,9 +118,7 @@ std::string_view RepeatCheck::bases_of(const Repeat& repeat,
                             static_cast<std::size_t>(repeat.bases));
   }
   if (!repeat.has_alignment()) return repeat.residues;
-  ungapped_ = repeat.sequence_line;
-  ungapped_.erase(std::remove(ungapped_.begin(), ungapped_.end(), '-'), ungapped_.end());
-  return ungapped_;
+  return without_gaps(repeat.sequence_line, ungapped_);
 }
 
 bool RepeatCheck::fits_residues(const Repeat& repeat, std::string_view residues) {
@@ -261,11 +263,12 @@ void RepeatCheck::check_ns(const Repeat& repeat, std::string_view bases) {
     if (repeat.ns.value_or(0) != 0) add(repeat, "Ns are bridged, which the settings do not allow");
     return;
   }
-  if (longest_n_run(bases) > settings_.ns_in_a_row) {
+  const bool has_ns = bases.find('N') != std::string_view::npos;
+  if (has_ns && longest_n_run(bases) > settings_.ns_in_a_row) {
     add(repeat, "more than " + std::to_string(settings_.ns_in_a_row) + " Ns in a row are bridged");
   }
   if (repeat.ns && !bases.empty())
-    findings_.expect(repeat.line, "the number of Ns", *repeat.ns, count_ns(bases));
+    findings_.expect(repeat.line, "the number of Ns", *repeat.ns, has_ns ? count_ns(bases) : 0);
 }
 
 void RepeatCheck::check_unit(const Repeat& repeat, std::string_view motif) {
@@ -282,7 +285,7 @@ void RepeatCheck::check_unit(const Repeat& repeat, std::string_view motif) {
   }
   if (settings_.format == Format::kFasta || is_dotted) return;
   const std::string& unit = repeat.unit;
-  if (size_of(unit) != length || unit.find_first_not_of("ACGT") != std::string::npos) {
+  if (size_of(unit) != length || !holds_only_bases(unit)) {
     add(repeat, "the unit \"" + unit + "\" is no stretch of " + std::to_string(length) + " bases");
     return;
   }

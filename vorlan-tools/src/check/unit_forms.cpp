@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "fasta/bases.h"
+#include "fasta/other_strand.h"
+
 // The smallest rotation is found with two candidates, first and second, that are compared byte by
 // byte. Where they differ at distance k, the larger one is beaten, and so are the k rotations
 // behind it: each of them has a rival behind the other candidate that is smaller in the same place.
@@ -26,21 +29,6 @@ struct Rotation {
   std::size_t start;
   bool is_repetition;
 };
-
-char complement(char base) {
-  switch (base) {
-    case 'A':
-      return 'T';
-    case 'C':
-      return 'G';
-    case 'G':
-      return 'C';
-    case 'T':
-      return 'A';
-    default:
-      return '?';
-  }
-}
 
 /// `place` modulo `length`, without a division; requires place < 2 * length.
 std::size_t round(std::size_t place, std::size_t length) {
@@ -71,14 +59,18 @@ Rotation find_smallest(std::string_view text) {
 
 std::string smallest_rotation(std::string_view text) {
   const std::size_t start = find_smallest(text).start;
-  return std::string(text.substr(start)) + std::string(text.substr(0, start));
+  std::string rotated;
+  rotated.reserve(text.size());
+  rotated.append(text, start).append(text, 0, start);
+  return rotated;
 }
 
 bool is_primitive(std::string_view text) { return !find_smallest(text).is_repetition; }
 
 std::string reverse_complement(std::string_view bases) {
-  std::string other(bases.rbegin(), bases.rend());
-  for (char& base : other) base = complement(base);
+  std::string other = other_strand(bases);
+  if (holds_only_bases(other)) return other;
+  for (char& base : other) base = is_base(base) ? base : '?';
   return other;
 }
 
@@ -86,7 +78,8 @@ std::string shown_unit(std::string_view motif, UnitMode mode) {
   if (mode == UnitMode::kAsIs) return std::string(motif);
   std::string smallest = smallest_rotation(motif);
   if (mode == UnitMode::kAlphabetical) return smallest;
-  return std::min(smallest, smallest_rotation(reverse_complement(motif)));
+  std::string other = smallest_rotation(reverse_complement(motif));
+  return other < smallest ? other : smallest;
 }
 
 bool fits_motif(std::string_view unit, std::string_view motif, UnitMode mode) {

@@ -16,7 +16,7 @@ std::string smallest_rotation(std::string_view text);
 /// Whether `text` is no repetition of a shorter text. Linear.
 bool is_primitive(std::string_view text);
 
-/// The other strand of a stretch of A C G T; other bytes become '?'.
+/// The other strand of a unit, as reports show it: what is no A, C, G or T becomes '?'.
 std::string reverse_complement(std::string_view bases);
 
 /// The unit that a report shows for a repeat with this motif: itself, its smallest rotation, or the

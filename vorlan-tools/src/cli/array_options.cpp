@@ -9,6 +9,7 @@
 #include "cli/exit_status.h"
 #include "cli/filter_options.h"
 #include "errors.h"
+#include "fasta/bases.h"
 
 namespace vorlan_tools {
 namespace {
@@ -38,7 +39,7 @@ void add_options(CLI::App& command, ArrayOptions& options, const ArrayForms& for
 
 ArrayRequest request_of(const ArrayOptions& options, const ArrayForms& forms) {
   ArrayRequest request = options.request;
-  if (request.begin.find_first_not_of("ACGT") != std::string::npos) {
+  if (!holds_only_bases(request.begin)) {
     throw UsageError("--begin takes bases (A, C, G, T), not \"" + request.begin + "\".");
   }
   request.filter = filter_of(options.filter);

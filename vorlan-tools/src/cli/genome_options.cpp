@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "errors.h"
 #include "io/file_identity.h"
 
 namespace vorlan_tools {
@@ -26,12 +25,8 @@ void add_genome_options(CLI::App& command, GenomeInputs& request) {
 }
 
 void require_other_file(const GenomeInputs& request, const std::string& output) {
-  for (const std::vector<std::string>& files : {request.inputs, request.fastas}) {
-    for (const std::string& input : files) {
-      if (!is_same_file(input, output)) continue;
-      throw UsageError("The output " + output + " is the same file as the input " + input + ".");
-    }
-  }
+  refuse_input_as_output(request.inputs, output);
+  refuse_input_as_output(request.fastas, output);
 }
 
 }  // namespace vorlan_tools

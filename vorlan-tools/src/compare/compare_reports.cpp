@@ -25,12 +25,7 @@ void check(const Comparison& comparison) {
     throw UsageError(
         "--vcf needs --flank: by position, alleles of two assemblies have no borders.");
   }
-  for (const std::string& input : {comparison.first, comparison.second}) {
-    if (is_same_file(input, comparison.output)) {
-      throw UsageError("The output " + comparison.output + " is the same file as the input " +
-                       input + ".");
-    }
-  }
+  refuse_input_as_output({comparison.first, comparison.second}, comparison.output);
 }
 
 struct Tally {

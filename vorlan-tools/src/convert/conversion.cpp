@@ -3,11 +3,10 @@
 
 #include "convert/conversion.h"
 
-#include <sys/stat.h>
-
 #include "convert/false_share_rows.h"
 #include "convert/sequence_names.h"
 #include "errors.h"
+#include "io/file_identity.h"
 
 namespace vorlan_tools {
 
@@ -19,14 +18,6 @@ bool can_be_indexed(const Conversion& conversion) {
   if (conversion.target == Target::kBam) return true;
   return (conversion.target == Target::kBed || conversion.target == Target::kGff3) &&
          conversion.compression == Compression::kBgzip;
-}
-
-bool is_same_file(const std::string& a, const std::string& b) {
-  struct stat first {};
-  struct stat second {};
-  return a != "-" && b != "-" && ::stat(a.c_str(), &first) == 0 &&
-         ::stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
-         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: the Vorlan authors
 
-#include <htslib/tbx.h>
-
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
@@ -14,8 +12,7 @@
 #include "convert/row_format.h"
 #include "convert/sequence_names.h"
 #include "convert/sorted_rows.h"
-#include "errors.h"
-#include "io/pending_file.h"
+#include "convert/tabix_index.h"
 #include "io/rereadable_input.h"
 #include "report/report_reader.h"
 
@@ -69,21 +66,12 @@ class RowWriter {
 
   void finish(const Conversion& conversion) {
     if (sorted_) sorted_->write_to(output_);
-    output_.close();
     if (!must_index_) {
-      output_.commit();
+      output_.finish();
       return;
     }
-    const bool is_csi = longest_end_ > IndexOrder::kPlainIndexLimit;
-    PendingFile index(conversion.output + (is_csi ? ".csi" : ".tbi"));
-    const tbx_conf_t* const layout =
-        conversion.target == Target::kBed ? &tbx_conf_bed : &tbx_conf_gff;
-    const int result =
-        tbx_index_build3(output_.path().c_str(), index.path().c_str(),
-                         is_csi ? kCsiShift : kPlainIndexShift, conversion.threads, layout);
-    if (result != 0) throw DataError("Cannot write the index of " + conversion.output + ".");
-    output_.commit();
-    index.commit();
+    const tbx_conf_t& layout = conversion.target == Target::kBed ? tbx_conf_bed : tbx_conf_gff;
+    finish_with_index(output_, conversion.output, longest_end_, layout, conversion.threads);
   }
 
  private:

@@ -3,7 +3,7 @@
 
 #include "convert/motif.h"
 
-#include <algorithm>
+#include "fasta/bases.h"
 
 namespace vorlan_tools {
 
@@ -15,8 +15,6 @@ bool is_perfect(const Repeat& repeat) {
   if (repeat.mismatches) return *repeat.mismatches + *repeat.insertions + *repeat.deletions == 0;
   return repeat.perfection == kPerfect;
 }
-
-bool is_known_base(char c) { return c == 'A' || c == 'C' || c == 'G' || c == 'T'; }
 
 /// The first `count` letters of `line` that are no gap, or all there are. Nearly always no gap
 /// stands among them.
@@ -38,9 +36,7 @@ void find_motif(const Repeat& repeat, std::string& motif) {
   if (!repeat.has_alignment() && repeat.residues.size() >= unit_length && is_perfect(repeat)) {
     motif.assign(repeat.residues, 0, unit_length);
   }
-  const bool is_whole =
-      motif.size() == unit_length && std::all_of(motif.begin(), motif.end(), is_known_base);
-  if (!is_whole) motif.clear();
+  if (motif.size() != unit_length || !holds_only_bases(motif)) motif.clear();
 }
 
 }  // namespace vorlan_tools

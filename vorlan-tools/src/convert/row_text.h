@@ -44,7 +44,9 @@ class RowText {
     return *this;
   }
 
+  /// Most numbers of a row are counts of one digit.
   RowText& append_digits(std::int64_t number) {
+    if (number >= 0 && number <= 9) return *this += static_cast<char>('0' + number);
     constexpr std::size_t kMost = 24;
     char* const begin = room(kMost);
     size_ += static_cast<std::size_t>(std::to_chars(begin, begin + kMost, number).ptr - begin);

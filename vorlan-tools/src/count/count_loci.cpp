@@ -31,14 +31,8 @@ void check(const Counting& counting) {
   const auto inputs = std::count(counting.genomes.begin(), counting.genomes.end(), "-") +
                       (counting.loci == "-" ? 1 : 0);
   if (inputs > 1) throw UsageError("Only one of the files can be standard input.");
-  std::vector<std::string> all = counting.genomes;
-  all.push_back(counting.loci);
-  for (const std::string& input : all) {
-    if (is_same_file(input, counting.output)) {
-      throw UsageError("The output " + counting.output + " is the same file as the input " + input +
-                       ".");
-    }
-  }
+  refuse_input_as_output(counting.genomes, counting.output);
+  refuse_input_as_output({counting.loci}, counting.output);
 }
 
 std::string_view slice(std::string_view text, std::int64_t start, std::int64_t end) {

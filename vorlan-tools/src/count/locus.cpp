@@ -5,10 +5,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <string_view>
 
 #include "errors.h"
+#include "fasta/bases.h"
+#include "io/bed_lines.h"
 #include "io/line_reader.h"
 
 namespace vorlan_tools {
@@ -18,26 +19,6 @@ namespace {
 constexpr std::size_t kColumnsOfTrgt = 4;
 constexpr std::size_t kColumns = 5;
 constexpr std::size_t kColumnsWithUncounted = 6;
-
-std::vector<std::string_view> split(std::string_view text, char separator) {
-  std::vector<std::string_view> parts;
-  for (;;) {
-    const std::size_t place = text.find(separator);
-    parts.push_back(text.substr(0, place));
-    if (place == std::string_view::npos) return parts;
-    text.remove_prefix(place + 1);
-  }
-}
-
-bool is_number(std::string_view text, std::int64_t& number) {
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec == std::errc() && result.ptr == text.data() + text.size() && number >= 0;
-}
-
-bool is_passed_over(std::string_view line) {
-  const auto begins = [line](std::string_view word) { return line.substr(0, word.size()) == word; };
-  return line.empty() || line.front() == '#' || begins("track") || begins("browser");
-}
 
 /// The value of KEY in "KEY=value;KEY=value"; empty if the key is missing.
 std::string_view value_of(std::string_view fields, std::string_view key) {
@@ -55,7 +36,7 @@ bool set_motifs(std::string_view text, Locus& locus) {
     std::string motif(part);
     std::transform(motif.begin(), motif.end(), motif.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
-    if (motif.empty() || motif.find_first_not_of("ACGT") != std::string::npos) return false;
+    if (motif.empty() || !holds_only_bases(motif)) return false;
     locus.motifs.push_back(std::move(motif));
   }
   return true;
@@ -94,9 +75,8 @@ Locus to_locus(std::string_view line, const LineReader& lines) {
 std::vector<Locus> read_loci(const std::string& file) {
   LineReader lines(file);
   std::vector<Locus> loci;
-  for (std::string_view line; lines.next(line);) {
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (!is_passed_over(line)) loci.push_back(to_locus(line, lines));
+  for (std::string_view line; next_interval_line(lines, line);) {
+    loci.push_back(to_locus(line, lines));
   }
   if (loci.empty()) throw DataError(lines.name() + " holds no locus.");
   return loci;

@@ -32,12 +32,7 @@ void check(const Masking& masking) {
   if (masking.write_index && masking.output == "-") {
     throw UsageError("An index needs an output with a name.");
   }
-  for (const std::string& input : {masking.report, masking.fasta}) {
-    if (is_same_file(input, masking.output)) {
-      throw UsageError("The output " + masking.output + " is the same file as the input " + input +
-                       ".");
-    }
-  }
+  refuse_input_as_output({masking.report, masking.fasta}, masking.output);
 }
 
 void copy_masked(const Masking& masking, OutputFile& output) {

@@ -3,12 +3,13 @@
 
 #include "monomers/array_source.h"
 
-#include <charconv>
 #include <string_view>
 #include <vector>
 
 #include "convert/motif.h"
 #include "errors.h"
+#include "fasta/bases.h"
+#include "io/bed_lines.h"
 
 namespace vorlan_tools {
 
@@ -18,31 +19,7 @@ constexpr std::string_view kFirstLineOfReport = "# Results computed with:";
 constexpr std::size_t kColumns = 4;
 constexpr std::int64_t kThousand = 1000;
 
-bool is_number(std::string_view text, std::int64_t& number) {
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec == std::errc() && result.ptr == text.data() + text.size() && number >= 0;
-}
-
-/// The first four columns, or fewer.
-std::vector<std::string_view> columns_of(std::string_view line) {
-  std::vector<std::string_view> columns;
-  while (columns.size() < kColumns) {
-    const std::size_t tab = line.find('\t');
-    columns.push_back(line.substr(0, tab));
-    if (tab == std::string_view::npos) break;
-    line.remove_prefix(tab + 1);
-  }
-  return columns;
-}
-
-bool is_passed_over(std::string_view line) {
-  const auto begins = [line](std::string_view word) { return line.substr(0, word.size()) == word; };
-  return line.empty() || line.front() == '#' || begins("track") || begins("browser");
-}
-
-bool is_unit(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("ACGT") == std::string_view::npos;
-}
+bool is_unit(std::string_view text) { return !text.empty() && holds_only_bases(text); }
 
 }  // namespace
 
@@ -81,10 +58,8 @@ bool ArraySource::next_of_report(Array& array) {
 }
 
 bool ArraySource::next_of_bed(Array& array) {
-  for (std::string_view line; bed_->next(line);) {
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (is_passed_over(line)) continue;
-    const std::vector<std::string_view> columns = columns_of(line);
+  for (std::string_view line; next_interval_line(*bed_, line);) {
+    const std::vector<std::string_view> columns = split(line, '\t', kColumns);
     const bool fits = columns.size() == kColumns && is_number(columns[1], array.start) &&
                       is_number(columns[2], array.end) && array.start < array.end &&
                       is_unit(columns[3]);

@@ -13,9 +13,9 @@ namespace {
 constexpr std::int64_t kPerfect = 100000;  // 100 % in thousandths
 constexpr std::int64_t kHighestScore = 1000;
 
-/// `part` of `all` in thousandths of a per cent, rounded.
+/// `part` of `all` in thousandths of a per cent, rounded; 0 of nothing.
 Thousandths per_cent(std::int64_t part, std::int64_t all) {
-  return all == 0 ? 0 : (2 * part * kPerfect + all) / (2 * all);
+  return part == 0 ? 0 : (2 * part * kPerfect + all) / (2 * all);
 }
 
 /// Edits of all copies together.

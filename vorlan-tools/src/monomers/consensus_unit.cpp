@@ -121,26 +121,28 @@ std::vector<std::string_view> windows_of(std::string_view array, std::size_t uni
   return windows;
 }
 
-std::vector<Place> places_of(const std::vector<std::string_view>& windows,
-                             const std::string& unit) {
-  std::vector<Place> places(unit.size());
-  for (const std::string_view window : windows) {
-    add_copies(window, align_to_unit(window, unit), places);
-  }
-  return places;
-}
-
+/// A unit and the copies aligned to it.
 struct Refined {
   std::string unit;
-  std::vector<Place> places;  ///< of the copies aligned to the unit
+  std::vector<Place> places;
+  std::vector<UnitStep> steps;  ///< of the last window
 };
 
+void align_copies(const std::vector<std::string_view>& windows, Refined& refined) {
+  refined.places.assign(refined.unit.size(), {});
+  for (const std::string_view window : windows) {
+    refined.steps = align_to_unit(window, refined.unit);
+    add_copies(window, refined.steps, refined.places);
+  }
+}
+
 Refined refine(const std::vector<std::string_view>& windows, std::string unit) {
+  Refined refined{std::move(unit), {}, {}};
   for (int round = 1;; ++round) {
-    std::vector<Place> places = places_of(windows, unit);
-    std::string better = majority(unit, places);
-    if (better == unit || round == kRounds) return {std::move(unit), std::move(places)};
-    unit = std::move(better);
+    align_copies(windows, refined);
+    std::string better = majority(refined.unit, refined.places);
+    if (better == refined.unit || round == kRounds) return refined;
+    refined.unit = std::move(better);
   }
 }
 
@@ -181,16 +183,18 @@ std::vector<LengthChange> changes_of(const std::vector<Place>& places) {
 /// Makes each change of the length that makes the copies cheaper to explain; false if none does.
 /// From the last place to the first, so that the places of changes still to come stay.
 bool polish(std::string_view sample, const std::vector<Place>& places, std::string& unit) {
+  const std::vector<LengthChange> changes = changes_of(places);
+  if (changes.empty()) return false;
   std::int64_t cost = unit_alignment_cost(sample, unit);
   bool is_changed = false;
-  for (const LengthChange& change : changes_of(places)) {
+  for (const LengthChange& change : changes) {
     std::string changed = unit;
     if (change.inserted != 0) {
       changed.insert(change.place + 1, 1, change.inserted);
     } else if (unit.size() > 1) {
       changed.erase(change.place, 1);
     }
-    const std::int64_t changed_cost = unit_alignment_cost(sample, changed);
+    const std::int64_t changed_cost = unit_alignment_cost(sample, changed, cost);
     if (changed_cost >= cost) continue;
     cost = changed_cost;
     unit = std::move(changed);
@@ -201,7 +205,7 @@ bool polish(std::string_view sample, const std::vector<Place>& places, std::stri
 
 }  // namespace
 
-std::string consensus_unit(std::string_view array, std::string unit) {
+ConsensusUnit consensus_unit(std::string_view array, std::string unit) {
   const std::vector<std::string_view> windows = windows_of(array, unit.size());
   Refined refined = refine(windows, std::move(unit));
   for (int round = 0; round < kRounds; ++round) {
@@ -209,7 +213,8 @@ std::string consensus_unit(std::string_view array, std::string unit) {
     if (!polish(sample, refined.places, refined.unit)) break;
     refined = refine(windows, std::move(refined.unit));
   }
-  return refined.unit;
+  if (windows.size() > 1) refined.steps.clear();
+  return {std::move(refined.unit), std::move(refined.steps)};
 }
 
 std::string turned_to_begin(const std::string& unit, std::string_view begin) {

@@ -23,7 +23,7 @@ std::string on_strand_of(std::string_view array, const std::string& unit) {
   const std::int64_t cost = unit_alignment_cost(sample, unit);
   if (cost == 0) return unit;
   std::string other = other_strand(unit);
-  return unit_alignment_cost(sample, other) < cost ? other : unit;
+  return unit_alignment_cost(sample, other, cost) < cost ? other : unit;
 }
 
 /// The consensus turned so that the first base of the array is aligned with its first place.
@@ -78,15 +78,37 @@ class Cutter {
   std::vector<std::string> rows_;
 };
 
+/// What an array that is its unit written again and again comes to: no alignment betters that one,
+/// and nothing differs at any lag.
+Dissection dissect_repetition(std::string_view array, const std::string& unit) {
+  Dissection dissection;
+  dissection.consensus = unit;
+  std::vector<Monomer>& monomers = dissection.monomers;
+  const auto bases = static_cast<std::int64_t>(array.size());
+  const auto unit_length = static_cast<std::int64_t>(unit.size());
+  monomers.reserve(array.size() / unit.size() + 1);
+  for (std::int64_t start = 0; start < bases; start += unit_length) {
+    Monomer& monomer = monomers.emplace_back();
+    monomer.start = start;
+    monomer.end = std::min(start + unit_length, bases);
+    monomer.places = monomer.end - start;
+  }
+  if (monomers.size() >= kFewestCopies) dissection.higher_order.places = bases - unit_length;
+  return dissection;
+}
+
 }  // namespace
 
 Dissection dissect_array(std::string_view array, const std::string& unit, std::string_view begin) {
+  if (begin.empty() && is_repetition(array, unit)) return dissect_repetition(array, unit);
   Dissection dissection;
-  const std::string found = consensus_unit(array, on_strand_of(array, unit));
+  ConsensusUnit found = consensus_unit(array, on_strand_of(array, unit));
   dissection.consensus =
-      begin.empty() ? turned_to_array(array, found) : turned_to_begin(found, begin);
+      begin.empty() ? turned_to_array(array, found.unit) : turned_to_begin(found.unit, begin);
+  const bool is_aligned = !found.steps.empty() && dissection.consensus == found.unit;
+  if (!is_aligned) found.steps = align_to_unit(array, dissection.consensus);
   Cutter cutter(array, dissection.consensus);
-  for (const UnitStep& step : align_to_unit(array, dissection.consensus)) cutter.take(step);
+  for (const UnitStep& step : found.steps) cutter.take(step);
   dissection.higher_order = find_higher_order(cutter.rows());
   dissection.monomers = std::move(cutter.monomers());
   return dissection;

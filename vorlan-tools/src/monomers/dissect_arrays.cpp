@@ -19,12 +19,7 @@ void check(const ArrayRequest& request) {
   if (request.arrays == "-" && request.genome == "-") {
     throw UsageError("Only one of report and FASTA file can be standard input.");
   }
-  for (const std::string& input : {request.arrays, request.genome}) {
-    if (is_same_file(input, request.output)) {
-      throw UsageError("The output " + request.output + " is the same file as the input " + input +
-                       ".");
-    }
-  }
+  refuse_input_as_output({request.arrays, request.genome}, request.output);
 }
 
 /// The residues of the sequences of a FASTA file, asked for in its order.

@@ -68,8 +68,8 @@ bool is_below(const Lag& lag, const Lag& first) {
 }  // namespace
 
 HigherOrder find_higher_order(const std::vector<std::string>& copies) {
+  if (copies.size() < kFewestCopies) return {};
   const std::size_t largest = std::min(kLargestOrder, copies.size() / 2);
-  if (largest < 2) return {};
   std::vector<Lag> lags;
   for (std::size_t lag = 1; lag <= largest; ++lag) lags.push_back(compare_at(copies, lag));
   const Lag& first = lags.front();

@@ -21,7 +21,10 @@ struct HigherOrder {
 /// where the copy does not reach. Time: all letters times kLargestOrder.
 HigherOrder find_higher_order(const std::vector<std::string>& copies);
 
-/// An order is seen only if the array shows it twice.
 constexpr std::size_t kLargestOrder = 40;
+
+/// An order is seen only if the array shows it twice, so that fewer copies have none, and nothing
+/// is compared.
+constexpr std::size_t kFewestCopies = 4;
 
 }  // namespace vorlan_tools

@@ -107,13 +107,6 @@ void trace_block(std::string_view part, std::string_view unit, Row before,
   place = now;
 }
 
-/// Whether the array is the unit written again and again, from its first base on.
-bool is_repetition(std::string_view array, std::string_view unit) {
-  const std::size_t head = std::min(array.size(), unit.size());
-  return array.substr(0, head) == unit.substr(0, head) &&
-         array.substr(head) == array.substr(0, array.size() - head);
-}
-
 /// The alignment of such an array, which no other can better.
 std::vector<UnitStep> equal_steps(std::size_t bases, std::size_t unit) {
   std::vector<UnitStep> steps(bases);
@@ -124,6 +117,12 @@ std::vector<UnitStep> equal_steps(std::size_t bases, std::size_t unit) {
 }
 
 }  // namespace
+
+bool is_repetition(std::string_view array, std::string_view unit) {
+  const std::size_t head = std::min(array.size(), unit.size());
+  return array.substr(0, head) == unit.substr(0, head) &&
+         array.substr(head) == array.substr(0, array.size() - head);
+}
 
 std::vector<UnitStep> align_to_unit(std::string_view array, std::string_view unit) {
   if (is_repetition(array, unit)) return equal_steps(array.size(), unit.size());
@@ -139,15 +138,19 @@ std::vector<UnitStep> align_to_unit(std::string_view array, std::string_view uni
   return steps;
 }
 
-std::int64_t unit_alignment_cost(std::string_view array, std::string_view unit) {
+std::int64_t unit_alignment_cost(std::string_view array, std::string_view unit,
+                                 std::int64_t limit) {
   if (is_repetition(array, unit)) return 0;
   Row before(unit.size(), 0);
   Row row(unit.size());
-  for (const char base : array) {
-    advance<false>(base, unit, before, row, nullptr);
+  std::int64_t cost = 0;
+  // The least cost of a row is at least that of the row before.
+  for (std::size_t i = 0; i < array.size() && cost < limit; ++i) {
+    advance<false>(array[i], unit, before, row, nullptr);
     std::swap(before, row);
+    cost = before[best_end(before)];
   }
-  return before[best_end(before)];
+  return cost;
 }
 
 }  // namespace vorlan_tools

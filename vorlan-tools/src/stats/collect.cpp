@@ -11,6 +11,7 @@
 
 #include "check/unit_forms.h"
 #include "errors.h"
+#include "fasta/bases.h"
 #include "report/report_reader.h"
 #include "stats/genome_records.h"
 
@@ -132,7 +133,7 @@ class Collector {
   /// The normal form over both strands; empty if the report shows no unit.
   const std::string& unit_of(const Repeat& repeat) {
     if (report_.settings().unit_mode == UnitMode::kReverseComplement) return repeat.unit;
-    if (repeat.unit.find_first_not_of("ACGT") != std::string::npos) return repeat.unit;
+    if (!holds_only_bases(repeat.unit)) return repeat.unit;
     unit_ = repeat.unit.empty() ? "" : shown_unit(repeat.unit, UnitMode::kReverseComplement);
     return unit_;
   }

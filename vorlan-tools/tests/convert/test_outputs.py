@@ -172,6 +172,12 @@ class OutputTest(unittest.TestCase):
         (self.folder / "link").symlink_to("report.txt")
         for name in ("report.txt", "link"):
             complaint("convert", "-t", "bed", self.report, "-o", self.folder / name, status=2)
+        for name in (self.report, "-"):
+            with open(self.report, "rb") as source, open(self.report, "ab") as target:
+                outcome = subprocess.run([TOOLS, "convert", "-t", "bed", name], stdin=source, stdout=target,
+                                         stderr=subprocess.PIPE, check=False)
+            self.assertEqual(outcome.returncode, 2)
+            self.assertIn(b"is the report itself", outcome.stderr)
         self.assertEqual(self.report.read_bytes(), before)
 
     # --- requests ---

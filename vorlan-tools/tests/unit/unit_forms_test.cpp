@@ -49,6 +49,12 @@ TEST(UnitForms, AgreeWithThePlainDefinitionOnAllSmallTexts) {
   }
 }
 
+TEST(UnitForms, OtherLettersHaveNoOtherStrand) {
+  EXPECT_EQ(reverse_complement("AACGTT"), "AACGTT");
+  EXPECT_EQ(reverse_complement("GANTx"), "?A?TC");
+  EXPECT_EQ(reverse_complement(""), "");
+}
+
 TEST(UnitForms, ShownUnits) {
   EXPECT_EQ(shown_unit("CA", UnitMode::kAsIs), "CA");
   EXPECT_EQ(shown_unit("TG", UnitMode::kAlphabetical), "GT");

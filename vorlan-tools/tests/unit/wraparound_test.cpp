@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "monomers/consensus_unit.h"
+#include "monomers/dissect_array.h"
 #include "monomers/higher_order.h"
 
 namespace vorlan_tools {
@@ -68,6 +69,22 @@ TEST(Wraparound, CostsWhatTheUnrolledUnitCosts) {
   }
 }
 
+TEST(Wraparound, StopsWhereTheLimitIsReached) {
+  std::mt19937 chance(10);
+  for (int round = 0; round < 3000; ++round) {
+    const std::string array = random_bases(chance, chance() % 14);
+    const std::string unit = random_bases(chance, 1 + chance() % 6);
+    const std::int64_t limit = chance() % 12;
+    const std::int64_t expected = plain_cost(array, unit);
+    const std::int64_t cost = unit_alignment_cost(array, unit, limit);
+    if (expected < limit) {
+      ASSERT_EQ(cost, expected) << array << ' ' << unit << ' ' << limit;
+    } else {
+      ASSERT_GE(cost, limit) << array << ' ' << unit << ' ' << limit;
+    }
+  }
+}
+
 TEST(Wraparound, LongArraysGoThroughSeveralBlocks) {
   std::mt19937 chance(8);
   const std::string unit = random_bases(chance, 4000);
@@ -83,21 +100,60 @@ TEST(Wraparound, LongArraysGoThroughSeveralBlocks) {
 }
 
 TEST(ConsensusUnit, IsWhatMostCopiesHave) {
-  EXPECT_EQ(consensus_unit("ACGTTACGTACGTACGTACGT", "ACGTT"), "ACGT");
-  EXPECT_EQ(consensus_unit("GATTACAGATTACAGATTACA", "GATACA"), "GATTACA");
-  EXPECT_EQ(consensus_unit("AAAAAAA", "AC"), "AA");
-  EXPECT_EQ(consensus_unit("N", "AC"), "AC");
+  EXPECT_EQ(consensus_unit("ACGTTACGTACGTACGTACGT", "ACGTT").unit, "ACGT");
+  EXPECT_EQ(consensus_unit("GATTACAGATTACAGATTACA", "GATACA").unit, "GATTACA");
+  EXPECT_EQ(consensus_unit("AAAAAAA", "AC").unit, "AA");
+  EXPECT_EQ(consensus_unit("N", "AC").unit, "AC");
   EXPECT_EQ(turned_to_begin("GATTACA", "TTA"), "TTACAGA");
   EXPECT_EQ(turned_to_begin("GATTACA", ""), "GATTACA");
+}
+
+TEST(ConsensusUnit, ComesWithTheAlignmentOfAllOfTheArray) {
+  std::mt19937 chance(11);
+  for (int round = 0; round < 1000; ++round) {
+    const std::string array = random_bases(chance, 1 + chance() % 60);
+    const ConsensusUnit found = consensus_unit(array, random_bases(chance, 1 + chance() % 9));
+    ASSERT_EQ(cost_of(array, found.unit, found.steps), plain_cost(array, found.unit)) << array;
+  }
+  std::string halves(9000, 'A');
+  halves += std::string(9000, 'C');
+  EXPECT_TRUE(consensus_unit(halves, "A").steps.empty());
 }
 
 TEST(ConsensusUnit, ArraysWithoutAnyOrderHaveOneToo) {
   std::mt19937 chance(9);
   for (int round = 0; round < 5000; ++round) {
     const std::string array = random_bases(chance, 1 + chance() % 60);
-    const std::string unit = consensus_unit(array, random_bases(chance, 1 + chance() % 9));
+    const std::string unit = consensus_unit(array, random_bases(chance, 1 + chance() % 9)).unit;
     ASSERT_FALSE(unit.empty());
     ASSERT_EQ(unit.find_first_not_of("ACGT"), std::string::npos);
+  }
+}
+
+/// The copies of an array as text.
+std::string shown(const Dissection& dissection) {
+  std::string text = dissection.consensus;
+  for (const Monomer& copy : dissection.monomers) {
+    for (const std::int64_t number : {copy.start, copy.end, copy.places, copy.edits()}) {
+      text += ' ' + std::to_string(number);
+    }
+  }
+  const HigherOrder& higher = dissection.higher_order;
+  return text + " order " + std::to_string(higher.order) + ' ' + std::to_string(higher.differing) +
+         '/' + std::to_string(higher.places);
+}
+
+/// A beginning that is asked for goes the long way; here it asks for the phase that the array has.
+TEST(DissectArray, ARepetitionNeedsNoAlignment) {
+  std::mt19937 chance(12);
+  for (int round = 0; round < 2000; ++round) {
+    const std::string unit = random_bases(chance, 1 + chance() % 6);
+    const std::size_t size = round % 100 == 0 ? 9000 : 40;
+    std::string array = unit;
+    while (array.size() < size) array += unit;
+    array.resize(size - chance() % 40);
+    ASSERT_EQ(shown(dissect_array(array, unit, "")), shown(dissect_array(array, unit, unit)))
+        << array << ' ' << unit;
   }
 }
 
