@@ -26,8 +26,9 @@ static_assert(kFilterWords == StartBlock::kWords);
 int horizon_of_glance(int unit_length) { return 6 + unit_length; }
 int horizon_of_short_sequence(int unit_length) { return 16 + unit_length; }
 
-/// With full lanes: no further than 64 offsets show, for units of up to 10, where what is left is
-/// cheap: extensions of the shortest units, and the wraparound bound for units of 7 and more.
+/// With full lanes it depends on what comes behind. Extensions of units of up to 4 are cheap, and
+/// behind units of 7 and more there is the wraparound bound: for units of up to 10 the nearer
+/// horizon is as far as 64 offsets show. Units of 5 and 6 have neither, so the look goes further.
 constexpr int kFarBeyondUnit = 32;
 constexpr int kNearBeyondUnit = 16;
 int horizon_of_full_lanes(int unit_length) {

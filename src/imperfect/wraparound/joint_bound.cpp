@@ -12,10 +12,12 @@
 namespace vorlan {
 namespace {
 
-// All numbers here were chosen by the bench: table "Tuning", rows of their names.
+// The bench varies kLengthsInUnit, kSplit and kJointGroupsInUnit: table "Tuning".
 
-/// Unit lengths of the largest groups: this part of the unit length.
+/// Unit lengths of the largest groups: this part of the unit length, since the floor of the longest
+/// is so much lower than that of the shortest.
 constexpr unsigned kLengthsInUnit = 10;
+/// With one alone, nothing would be judged together.
 constexpr unsigned kFewestLengths = 2;
 
 /// A group has so many times the unit lengths of the next smaller ones.

@@ -56,18 +56,20 @@ class JointBound {
   /// `residues` must outlive this.
   explicit JointBound(std::string_view residues) : residues_(residues) {}
 
-  /// Removes hopeless starts from the sets of `unit_length` and of some behind it: `starts` are
-  /// those of `unit_length`, of the next unit length and so on. Units of the last of them must lie
-  /// in the sequence, as far as starts are allowed by `anchors`. `is_working` is called several
-  /// times a second. Returns false if the bound cannot judge. Throws std::bad_alloc.
+  /// Removes hopeless starts, offsets in the residues, from the set of `unit_length` and of some
+  /// unit lengths behind it: `starts` are the sets of `unit_length`, of the next one and so on.
+  /// Starts that `anchors` close, and those so near to the end that the longest unit they are
+  /// judged with has no room, stay in the sets. `is_working` is called about once a second or more
+  /// often. Returns false if the bound cannot judge; the set of `unit_length` may then hold starts
+  /// that no look has judged. Throws std::bad_alloc.
   bool narrow_down(unsigned unit_length, std::span<SparseStarts> starts,
                    const UnitLengthThresholds& min_scores, const CAnchorSeq& anchors,
                    const std::function<void()>& is_working);
 
  private:
-  /// Groups of so many unit lengths.
+  /// Groups of one size.
   struct Level {
-    unsigned judged_until = 0;
+    unsigned judged_until = 0;  ///< The last unit length of the group that was judged last.
     LookRecords records;
   };
 

@@ -30,7 +30,7 @@ constexpr std::int64_t kLargestWide = std::numeric_limits<std::int16_t>::max();
 constexpr std::int64_t kWorthALook = 32;
 
 /// A look is worth its time if it leaves less than so many of ten starts; it is tried once in so
-/// many calls even if not. Both chosen by the bench, table "Tuning".
+/// many calls even if not. The bench varies both: table "Tuning".
 constexpr std::size_t kOfTen = 8;
 constexpr unsigned kCallsPerTry = 16;
 

@@ -166,8 +166,8 @@ TEST_F(JointBoundTest, LeavesNothingThatItsUnitLengthAloneRejects) {
   EXPECT_GT(left, 10U);
 }
 
-// Asks for the least score of the unit lengths that are judged together: the longer ones need none
-// that the shorter ones do not.
+// Of the second copy there are 10 of 25 bases, so a unit of 25 has 10 points there, and one of 24
+// half as many. A look that asked both for 20, as units of 24 need, would lose the one of 25.
 TEST_F(JointBoundTest, AsksForTheLeastScoreOfTheUnitLengths) {
   const std::string copy = "ACGGTCATTGACCAGTACTGCAAGT";
   const std::string residues = "GGTTAACC" + copy + copy.substr(0, 10) + "TTGCACCTAGGATTT";
