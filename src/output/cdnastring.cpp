@@ -3,6 +3,7 @@
 
 #include "output/cdnastring.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <string>
@@ -23,6 +24,28 @@ constexpr std::array<char, 256> complements() {
 
 constexpr std::array<char, 256> kComplements = complements();
 
+std::string doubled(std::string_view letters) { return std::string(letters).append(letters); }
+
+/// The smallest rotation of a text, and whether another rotation equals it: such a one exists
+/// exactly when the text is a repetition.
+struct Rotation {
+  std::string_view letters;
+  bool is_met_again;
+};
+
+// Each rotation of a text is a stretch of the text written twice.
+Rotation smallest_rotation(std::string_view twice) {
+  const std::size_t length = twice.size() / 2;
+  Rotation smallest{twice.substr(0, length), false};
+  for (std::size_t i = 1; i < length; ++i) {
+    const std::string_view rotation = twice.substr(i, length);
+    const int order = rotation.compare(smallest.letters);
+    if (order < 0) smallest.letters = rotation;
+    if (order == 0) smallest.is_met_again = true;
+  }
+  return smallest;
+}
+
 }  // namespace
 
 void CDnaString::setToRevCompOf(const CDnaString& source) {
@@ -34,32 +57,20 @@ void CDnaString::setToRevCompOf(const CDnaString& source) {
   }
 }
 
-// Each rotation is a stretch of the source written twice. A later rotation that equals the smallest
-// one exists exactly when the source is a repetition.
 bool CDnaString::setToMinAlphaCyclicPermOf(const CDnaString& source) {
-  const std::string twice = std::string(source.view()) + std::string(source.view());
-  const std::string_view rotations = twice;
-  const std::size_t length = source.size;
-  std::string_view smallest = rotations.substr(0, length);
-  bool is_repetition = false;
-  for (std::size_t i = 1; i < length; ++i) {
-    const std::string_view rotation = rotations.substr(i, length);
-    const int order = rotation.compare(smallest);
-    if (order < 0) smallest = rotation;
-    if (order == 0) is_repetition = true;
-  }
-  assign(smallest);
-  return is_repetition;
+  const std::string twice = doubled(source.view());
+  const Rotation smallest = smallest_rotation(twice);
+  assign(smallest.letters);
+  return smallest.is_met_again;
 }
 
 bool CDnaString::setToMinAlphaRepModRevCompAndCyclicPermOf(const CDnaString& source) {
-  CDnaString reverse_complement;
-  reverse_complement.setToRevCompOf(source);
-  const bool is_repetition = setToMinAlphaCyclicPermOf(reverse_complement);
-  CDnaString forward;
-  forward.setToMinAlphaCyclicPermOf(source);
-  if (forward.view() < view()) assign(forward.view());
-  return is_repetition;
+  setToRevCompOf(source);
+  const std::string reverse_twice = doubled(view());
+  const std::string forward_twice = doubled(source.view());
+  const Rotation reverse = smallest_rotation(reverse_twice);
+  assign(std::min(reverse.letters, smallest_rotation(forward_twice).letters));
+  return reverse.is_met_again;
 }
 
 }  // namespace vorlan

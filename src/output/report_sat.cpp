@@ -8,6 +8,7 @@
 #include "config/settings.h"
 #include "output/alignment_display.h"
 #include "output/bases.h"
+#include "output/entry_text.h"
 #include "output/repeat_unit.h"
 #include "output/report.h"
 #include "search/csat.h"
@@ -23,7 +24,7 @@ constexpr const char* REPEAT_NAMES[] = {"***  ERROR  ***", "mononucleotide",  "d
 /// GFF attributes do not show units longer than this, in bases.
 constexpr int kLongestUnitInGff = 50;
 
-/// The numbers of an entry, as they are printed.
+/// The numbers of an entry; those with a fraction are in single precision.
 struct Entry {
   Entry(const Csat& repeat, CSequence_Mol& molecule, float repeat_perfection, std::string unit_text)
       : sat(repeat),
@@ -34,9 +35,8 @@ struct Entry {
         length(end - start + 1),
         repeat_length(repeat.repeat_length()),
         unit_length(static_cast<int>(repeat.unit_length())),
-        perfection(static_cast<double>(repeat_perfection)),
-        repeat_number(static_cast<double>(static_cast<float>(repeat_length) /
-                                          static_cast<float>(unit_length))),
+        perfection(repeat_perfection),
+        repeat_number(static_cast<float>(repeat_length) / static_cast<float>(unit_length)),
         unit(std::move(unit_text)) {}
 
   const Csat& sat;
@@ -47,22 +47,25 @@ struct Entry {
   int length;         // in the sequence ("bp")
   int repeat_length;  // in the perfect repeat ("BP")
   int unit_length;
-  double perfection;     // per cent
-  double repeat_number;  // units
+  float perfection;     // per cent
+  float repeat_number;  // units
   std::string unit;
 };
 
-void print_label(std::FILE* stream, const Entry& entry) {
+void add_label(EntryText& text, const Entry& entry) {
   if (static_cast<std::size_t>(entry.unit_length) < std::size(REPEAT_NAMES)) {
-    std::fprintf(stream, "%16s", REPEAT_NAMES[entry.unit_length]);
+    text.add_aligned(REPEAT_NAMES[entry.unit_length], 16);
   } else {
-    std::fprintf(stream, "%5d-nucleotide", entry.unit_length);
+    text.add_number(entry.unit_length, 5).add("-nucleotide");
   }
 }
 
-void print_place_and_score(std::FILE* stream, const Entry& entry) {
-  std::fprintf(stream, " %9d : %9d | %6d bp | %6d BP | %6d pt | %7.3f %% |", entry.start, entry.end,
-               entry.length, entry.repeat_length, entry.sat.score, entry.perfection);
+void add_place_and_score(EntryText& text, const Entry& entry) {
+  text.add(" ").add_number(entry.start, 9).add(" : ").add_number(entry.end, 9);
+  text.add(" | ").add_number(entry.length, 6).add(" bp");
+  text.add(" | ").add_number(entry.repeat_length, 6).add(" BP");
+  text.add(" | ").add_number(entry.sat.score, 6).add(" pt");
+  text.add(" | ").add_decimal(entry.perfection, 3, 7).add(" % |");
 }
 
 void print_sequence_display(std::FILE* stream, const Entry& entry) {
@@ -88,54 +91,69 @@ void print_sequence_display(std::FILE* stream, const Entry& entry) {
 }
 
 void print_vorlan(std::FILE* stream, const Entry& entry) {
-  print_label(stream, entry);
-  print_place_and_score(stream, entry);
-  std::fprintf(stream, " unit %s\n", entry.unit.c_str());
+  EntryText text;
+  add_label(text, entry);
+  add_place_and_score(text, entry);
+  text.add(" unit ").add(entry.unit).add("\n");
+  text.write(stream);
   print_sequence_display(stream, entry);
 }
 
-void print_events(std::FILE* stream, const Csat& sat) {
-  std::fputs("Missense: ", stream);
+void add_events(EntryText& text, const Csat& sat) {
+  text.add("Missense: ");
   for (const auto& [position, kind] : sat.missense) {
-    std::fprintf(stream, "(%d,%c),", static_cast<int>(position - sat.pos_left) + 1, kind);
+    text.add("(").add_number(position - sat.pos_left + 1).add(",").add({&kind, 1}).add("),");
   }
-  std::fputc('\n', stream);
+  text.add("\n");
 }
 
 void print_extended(std::FILE* stream, const Entry& entry) {
   const Csat& sat = entry.sat;
-  print_label(stream, entry);
-  print_place_and_score(stream, entry);
-  std::fprintf(stream, " %3u mis | %3u ins | %3u del | ", sat.mismatches, sat.insertions,
-               sat.deletions);
-  if (!global_treat_Ns_as_missense) std::fprintf(stream, "%3u N | ", sat.num_Ns);
+  EntryText text;
+  add_label(text, entry);
+  add_place_and_score(text, entry);
+  text.add(" ").add_number(sat.mismatches, 3).add(" mis");
+  text.add(" | ").add_number(sat.insertions, 3).add(" ins");
+  text.add(" | ").add_number(sat.deletions, 3).add(" del | ");
+  if (!global_treat_Ns_as_missense) text.add_number(sat.num_Ns, 3).add(" N | ");
   // Together with the blank before, two blanks stand before "unit".
-  std::fprintf(stream, " unit %s\n", entry.unit.c_str());
-  print_events(stream, sat);
+  text.add(" unit ").add(entry.unit).add("\n");
+  add_events(text, sat);
+  text.write(stream);
   print_sequence_display(stream, entry);
 }
 
 void print_gff(std::FILE* stream, const Entry& entry) {
-  std::fprintf(stream,
-               "%s\tVorlan\ttandem-repeat\t%d\t%d\t%.2f\t.\t.\tName=\"repeat_region %d-%d "
-               "unit_size %d repeat_number %.3f perfection %.3f unit %s\"\n",
-               entry.name, entry.start, entry.end, entry.perfection, entry.start, entry.end,
-               entry.unit_length, entry.repeat_number, entry.perfection,
-               entry.unit_length > kLongestUnitInGff ? "." : entry.unit.c_str());
+  EntryText text;
+  text.add(entry.name).add("\tVorlan\ttandem-repeat");
+  text.add("\t").add_number(entry.start).add("\t").add_number(entry.end);
+  text.add("\t").add_decimal(entry.perfection, 2).add("\t.\t.");
+  text.add("\tName=\"repeat_region ").add_number(entry.start).add("-").add_number(entry.end);
+  text.add(" unit_size ").add_number(entry.unit_length);
+  text.add(" repeat_number ").add_decimal(entry.repeat_number, 3);
+  text.add(" perfection ").add_decimal(entry.perfection, 3);
+  text.add(" unit ").add(entry.unit_length > kLongestUnitInGff ? "." : entry.unit).add("\"\n");
+  text.write(stream);
 }
 
 void print_one_per_line(std::FILE* stream, const Entry& entry) {
   const Csat& sat = entry.sat;
+  EntryText text;
+  text.add(entry.name).add("\t").add_number(entry.unit_length);
+  text.add("\t").add_decimal(entry.perfection, 3);
+  text.add("\t").add_number(entry.start).add("\t").add_number(entry.end);
+  text.add("\t").add_number(entry.length);
   // The repeat number keeps its width although columns are separated by tabs.
-  std::fprintf(stream, "%s\t%d\t%.3f\t%d\t%d\t%d\t%7.3f\t%d\t%u\t%u\t%u", entry.name,
-               entry.unit_length, entry.perfection, entry.start, entry.end, entry.length,
-               entry.repeat_number, sat.score, sat.mismatches, sat.insertions, sat.deletions);
+  text.add("\t").add_decimal(entry.repeat_number, 3, 7);
+  text.add("\t").add_number(sat.score).add("\t").add_number(sat.mismatches);
+  text.add("\t").add_number(sat.insertions).add("\t").add_number(sat.deletions);
   if (global_treat_Ns_as_missense) {
-    std::fputs("\t.", stream);
+    text.add("\t.");
   } else {
-    std::fprintf(stream, "\t%u", sat.num_Ns);
+    text.add("\t").add_number(sat.num_Ns);
   }
-  std::fprintf(stream, "\t%s\t", entry.unit.c_str());
+  text.add("\t").add(entry.unit).add("\t");
+  text.write(stream);
   write_bases(stream, entry.bases.repeat);
   if (global_flanking != 0) {
     std::fputc('\t', stream);
@@ -148,21 +166,30 @@ void print_one_per_line(std::FILE* stream, const Entry& entry) {
 
 void print_fasta(std::FILE* stream, const Entry& entry) {
   const Csat& sat = entry.sat;
-  const auto offset = entry.bases.left_flank.size() + 1;
-  std::fprintf(stream, ">%s %zu %d %d %d %d %.3f %d %.3f %u %u %u\n", entry.name, offset,
-               entry.length, entry.unit_length, entry.start, entry.end, entry.repeat_number,
-               sat.score, entry.perfection, sat.mismatches, sat.insertions, sat.deletions);
+  EntryText text;
+  text.add(">").add(entry.name);
+  text.add(" ").add_number(entry.bases.left_flank.size() + 1);
+  text.add(" ").add_number(entry.length).add(" ").add_number(entry.unit_length);
+  text.add(" ").add_number(entry.start).add(" ").add_number(entry.end);
+  text.add(" ").add_decimal(entry.repeat_number, 3).add(" ").add_number(sat.score);
+  text.add(" ").add_decimal(entry.perfection, 3).add(" ").add_number(sat.mismatches);
+  text.add(" ").add_number(sat.insertions).add(" ").add_number(sat.deletions).add("\n");
+  text.write(stream);
   write_bases(stream, entry.bases.whole());
   std::fputc('\n', stream);
 }
 
 void print_old(std::FILE* stream, const Entry& entry) {
   // Perfections are never negative here, so this rounds to the nearest, halves up.
-  const int rounded =
-      static_cast<int>(entry.perfection + 0.5);  // NOLINT(bugprone-incorrect-roundings)
-  std::fprintf(stream, "%s %d : %d -- length %d score %d perfection %d unit %s\n",
-               entry.sat.get_repeat_name(), entry.start, entry.end, entry.repeat_length,
-               entry.sat.score, rounded, entry.unit.c_str());
+  const int rounded = static_cast<int>(static_cast<double>(entry.perfection) +
+                                       0.5);  // NOLINT(bugprone-incorrect-roundings)
+  EntryText text;
+  text.add(entry.sat.get_repeat_name());
+  text.add(" ").add_number(entry.start).add(" : ").add_number(entry.end);
+  text.add(" -- length ").add_number(entry.repeat_length);
+  text.add(" score ").add_number(entry.sat.score).add(" perfection ").add_number(rounded);
+  text.add(" unit ").add(entry.unit).add("\n");
+  text.write(stream);
   std::fflush(stream);
   print_sequence_display(stream, entry);
 }
