@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <string_view>
 
 namespace vorlan {
 
@@ -30,6 +31,15 @@ class CFile : public std::ifstream {
     const char ch = *read_pos++;
     return ch > '\r' ? ch : normalised(ch);
   }
+
+  /// The next characters, as far as they were read from the disk, and as they stand in the file:
+  /// line ends are not normalised. Valid until the next call.
+  std::string_view buffered() const {
+    return {read_pos, static_cast<std::size_t>(buffer_end - read_pos)};
+  }
+
+  /// Consumes the next `count` characters. Requires that they are `buffered` and no line ends.
+  void skip(std::size_t count) { read_pos += count; }
 
   /// Puts the character delivered last back; works once. At the very start of the buffer there is
   /// none: then sets `fail`.

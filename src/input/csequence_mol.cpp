@@ -4,7 +4,9 @@
 #include "input/csequence_mol.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 namespace vorlan {
@@ -31,6 +33,25 @@ constexpr std::array<char, 256> residue_codes() {
 }
 
 constexpr std::array<char, 256> kResidueCodes = residue_codes();
+
+// Lines are read in pieces of eight characters, one word, as long as these are bases only.
+using Piece = std::uint64_t;
+
+constexpr Piece in_each_byte(unsigned char byte) { return ~Piece{0} / 0xFF * byte; }
+
+// Adding 0x7F sets the highest bit of a byte unless its lower bits are all 0.
+constexpr Piece highest_bit_of_bytes_but(char base, Piece piece) {
+  const Piece difference = piece ^ in_each_byte(static_cast<unsigned char>(base));
+  constexpr Piece kLowerBits = in_each_byte(0x7F);
+  return ((difference & kLowerBits) + kLowerBits) | difference;
+}
+
+constexpr bool are_bases(Piece upper_case) {
+  const Piece others =
+      highest_bit_of_bytes_but('A', upper_case) & highest_bit_of_bytes_but('C', upper_case) &
+      highest_bit_of_bytes_but('G', upper_case) & highest_bit_of_bytes_but('T', upper_case);
+  return (others & in_each_byte(0x80)) == 0;
+}
 
 // The white space of the C locale, whatever locale the process runs in.
 bool is_space(char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
@@ -112,7 +133,26 @@ void CSequence_Mol::split_header() {
                                                                  : line.substr(description_begin));
 }
 
+// The bases at the beginning of what is left of a line, in whole pieces; the rest is up to the
+// caller.
+void CSequence_Mol::read_bases(CFile& file) {
+  constexpr std::uint32_t kSize = sizeof(Piece);
+  const std::string_view text = file.buffered();
+  std::size_t read = 0;
+  for (; text.size() - read >= kSize && kMaxResidues - residues.size >= kSize; read += kSize) {
+    std::array<char, kSize> bases;
+    Piece piece = 0;
+    std::memcpy(&piece, text.data() + read, kSize);
+    piece &= ~in_each_byte('a' - 'A');
+    if (!are_bases(piece)) break;
+    std::memcpy(bases.data(), &piece, kSize);
+    residues.append({bases.data(), kSize});
+  }
+  file.skip(read);
+}
+
 void CSequence_Mol::read_residue_line(CFile& file) {
+  read_bases(file);
   for (char ch = file.getchar(); ch != '\n' && !file.fail(); ch = file.getchar()) {
     const char code = kResidueCodes[static_cast<unsigned char>(ch)];
     if (code == kSkipped) continue;

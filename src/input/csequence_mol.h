@@ -52,6 +52,7 @@ class CSequence_Mol {
   bool read_header(CFile& file);
   void split_header();
   void read_residue_line(CFile& file);
+  void read_bases(CFile& file);
 };
 
 }  // namespace vorlan

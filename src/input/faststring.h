@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace vorlan {
@@ -22,6 +23,14 @@ class faststring {
   void push_back(char c) {
     if (size == capacity) grow();
     buf[size++] = c;
+  }
+
+  /// Appends `text`; grows like so many calls of push_back. Requires that `text` does not point
+  /// into this string.
+  void append(std::string_view text) {
+    while (capacity - size < text.size()) grow();
+    if (!text.empty()) std::memcpy(buf + size, text.data(), text.size());
+    size += static_cast<std::uint32_t>(text.size());
   }
 
   /// Makes the capacity at least `wanted` bytes (exactly that when it has to grow).

@@ -172,6 +172,20 @@ TEST(InputFile, ControlCharactersAndBytesFrom128UpComeUnchanged) {
   EXPECT_EQ(delivered.file.line_number(), 1U);
 }
 
+TEST(InputFile, BufferedCharactersStandAsInTheFileAndCanBeSkipped) {
+  const TemporaryFile content("ACGT\r\nTT");
+  CFile file;
+  file.open(content.name());
+  EXPECT_EQ(file.buffered(), "");  // nothing was read yet
+  EXPECT_EQ(file.getchar(), 'A');
+  EXPECT_EQ(file.buffered(), "CGT\r\nTT");
+  file.skip(2);
+  EXPECT_EQ(file.getchar(), 'T');
+  EXPECT_EQ(file.getchar(), '\n');
+  EXPECT_EQ(file.line_number(), 2U);
+  EXPECT_EQ(file.buffered(), "TT");
+}
+
 TEST(InputFile, OnceMalformedLineEndsAreNeitherConvertedNorCounted) {
   const TemporaryFile content("1\n\r\n3");
   CFile file;

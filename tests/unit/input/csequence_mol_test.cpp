@@ -45,25 +45,68 @@ TEST(FastaReader, SplitsTheHeaderAndNormalisesResidues) {
   EXPECT_TRUE(record.file.eof());
 }
 
-// Every byte, as a residue between two bases: what is not listed here is malformed.
+const std::string kBases = "ACGTacgtTGCAtgcaGG";
+const std::string kBasesInUpperCase = "ACGTACGTTGCATGCAGG";
+
+// Every byte, between bases in both cases and at some distance from the beginning of its line: what
+// is not listed here is malformed.
 TEST(FastaReader, EveryByteIsABaseAnAmbiguityCodeSkippedOrMalformed) {
   const auto expected = [](char byte) -> std::string {
     const auto upper = static_cast<char>(std::toupper(static_cast<unsigned char>(byte)));
-    if (std::string_view("ACGT").find(upper) != std::string_view::npos) {
-      return std::string("A") + upper + "C";
-    }
-    if (upper == 'U') return "ATC";
-    if (std::string_view("NXRYKMSWBDHV?").find(upper) != std::string_view::npos) return "ANC";
-    if (std::string_view(" \t\n\v\f\r-*").find(byte) != std::string_view::npos) return "AC";
+    if (std::string_view("ACGT").find(upper) != std::string_view::npos) return {upper};
+    if (upper == 'U') return "T";
+    if (std::string_view("NXRYKMSWBDHV?").find(upper) != std::string_view::npos) return "N";
+    if (std::string_view(" \t\n\v\f\r-*").find(byte) != std::string_view::npos) return "";
     return "malformed";
   };
   for (int value = 0; value < 256; ++value) {
     const auto byte = static_cast<char>(value);
-    const FirstRecord record(std::string(">s\nA") + byte + "C\n");
-    const std::string found =
-        record.is_malformed() ? "malformed" : std::string(record.sequence.residues.view());
-    EXPECT_EQ(found, expected(byte)) << "byte " << value;
+    const auto distance = static_cast<std::size_t>(value) % kBases.size() + 1;
+    const FirstRecord record(">s\n" + kBases.substr(0, distance) + byte + "cACGTACG\n");
+    const std::string meaning = expected(byte);
+    EXPECT_EQ(record.is_malformed(), meaning == "malformed") << "byte " << value;
+    if (record.is_malformed()) continue;
+    EXPECT_EQ(record.sequence.residues.view(),
+              kBasesInUpperCase.substr(0, distance) + meaning + "CACGTACG")
+        << "byte " << value;
   }
+}
+
+TEST(FastaReader, ALetterMeansTheSameAtEveryDistanceFromTheBeginningOfItsLine) {
+  const std::pair<char, std::string> letters[] = {{'n', "N"}, {'u', "T"}, {'R', "N"},
+                                                  {'-', ""},  {'A', "A"}, {'t', "T"}};
+  for (const auto& [letter, meaning] : letters) {
+    std::string lines;
+    std::string residues;
+    for (std::size_t distance = 0; distance <= kBases.size(); ++distance) {
+      lines += kBases.substr(0, distance) + letter + kBases + "\n";
+      residues += kBasesInUpperCase.substr(0, distance) + meaning + kBasesInUpperCase;
+    }
+    EXPECT_EQ(FirstRecord(">s\n" + lines).sequence.residues.view(), residues) << letter;
+  }
+}
+
+TEST(FastaReader, ABadCharacterIsFoundAtEveryDistanceFromTheBeginningOfItsLine) {
+  for (std::size_t distance = 0; distance <= kBases.size(); ++distance) {
+    const FirstRecord record(">s\nAC\n" + kBases.substr(0, distance) + "1" + kBases + "\n");
+    EXPECT_TRUE(record.is_malformed()) << distance;
+    EXPECT_EQ(record.file.line_number(), 3U) << distance;
+  }
+}
+
+// 17 bases a line: lines and fills of the input buffer end at every distance from each other.
+TEST(FastaReader, LinesGoOnWhereTheInputBufferIsFilledAgain) {
+  constexpr std::size_t kBytesOfSeveralFills = 3'100'000;
+  std::string lines;
+  std::string bases;
+  for (std::size_t i = 0; lines.size() < kBytesOfSeveralFills; ++i) {
+    const char base = "ACGT"[i * i / 7 % 4];
+    bases += base;
+    lines += base;
+    if (i % 17 == 16) lines += '\n';
+  }
+  const FirstRecord record(">a\n" + lines);
+  EXPECT_EQ(record.sequence.residues.view(), bases);
 }
 
 TEST(FastaReader, AHeaderThatBeginsWithABlankHasAnEmptyName) {

@@ -32,6 +32,19 @@ TEST(FastString, GrowsByDoublingFrom4) {
   EXPECT_EQ(text.view(), expected);
 }
 
+TEST(FastString, AppendingGrowsLikePushingEachLetter) {
+  faststring text;
+  text.append("");
+  EXPECT_EQ(text.capacity, 0U);
+  text.append("ACGTA");
+  EXPECT_EQ(text.capacity, 8U);
+  text.append("CGT");
+  EXPECT_EQ(text.capacity, 8U);
+  text.append("ACGTACGTA");
+  EXPECT_EQ(text.capacity, 32U);
+  EXPECT_EQ(text.view(), "ACGTACGTACGTACGTA");
+}
+
 TEST(FastString, TerminatingAFullStringOfSize7LeavesCapacity8AndSize7) {
   faststring text;
   text.reserve(7);
@@ -82,6 +95,7 @@ TEST(FastString, ThrowsWhereA32BitSizeEnds) {
   faststring text;
   text.size = text.capacity = std::numeric_limits<std::uint32_t>::max();
   EXPECT_THROW(text.push_back('A'), std::bad_alloc);
+  EXPECT_THROW(text.append("AC"), std::bad_alloc);
   EXPECT_THROW(text.terminate(), std::bad_alloc);
   EXPECT_EQ(text.size, std::numeric_limits<std::uint32_t>::max());
 }
