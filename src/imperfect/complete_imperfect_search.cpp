@@ -73,7 +73,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
       PassedOver passed_over;
       marks.make_room_for_ways();
       if (!record.extend_and_accept(sat, thresholds, passed_over)) continue;
-      results.push_back(spare.release());
+      spare.move_to(results);
       marks.accept({&sat, std::move(passed_over)}, unit);
       queue.marks_have_changed(start);
     }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdlib>
+#include <iterator>
 
 #include "config/settings.h"
 
@@ -91,29 +92,34 @@ Csat* new_sat(const char* left, const char* right) {
 
 void recycle_sat(std::list<Csat*>& pool, Csat* sat) { pool.push_back(sat); }
 
-CsatContainer::iterator CsatContainer::recycle(const_iterator position) {
-  recycle_sat(*pool, *position);
-  return erase(position);
+CsatContainer::iterator CsatContainer::recycle(iterator position) {
+  const iterator next = std::next(position);
+  pool->splice(pool->end(), *this, position);
+  return next;
 }
 
 SpareSat::~SpareSat() { sat_alloc.splice(sat_alloc.end(), spare_); }
 
 Csat& SpareSat::candidate(const char* left, const char* right) {
-  if (spare_.empty()) {
+  if (spare_.empty()) take_from_pool(left, right);
+  spare_.front()->init(left, right);
+  return *spare_.front();
+}
+
+// Makes the node before the record: without memory for one, the other is not lost.
+void SpareSat::take_from_pool(const char* left, const char* right) {
+  if (sat_alloc.empty()) {
     std::list<Csat*> made(1);
     made.front() = new_sat(left, right);
     spare_.splice(spare_.end(), made);
   } else {
-    spare_.front()->init(left, right);
+    spare_.splice(spare_.end(), sat_alloc, std::prev(sat_alloc.end()));
   }
-  return *spare_.front();
 }
 
-Csat* SpareSat::release() {
+void SpareSat::move_to(std::list<Csat*>& results) {
   assert(!spare_.empty());
-  Csat* const sat = spare_.front();
-  spare_.clear();
-  return sat;
+  results.splice(results.end(), spare_);
 }
 
 }  // namespace vorlan

@@ -120,7 +120,7 @@ extern SatPool sat_alloc;
 /// one copy of the unit [left, right). Throws std::bad_alloc.
 Csat* new_sat(const char* left, const char* right);
 
-/// Gives a record back.
+/// Gives a record back that is in no list.
 void recycle_sat(std::list<Csat*>& pool, Csat* sat);
 
 /// A list of results that returns its records to a pool, in order, when it is destroyed.
@@ -131,8 +131,8 @@ class CsatContainer : public std::list<Csat*> {
   CsatContainer(const CsatContainer&) = delete;
   CsatContainer& operator=(const CsatContainer&) = delete;
 
-  /// Recycles the record at `position` and returns the position after it.
-  iterator recycle(const_iterator position);
+  /// Recycles the record at `position`, node and all, and returns the position after it.
+  iterator recycle(iterator position);
 
   std::list<Csat*>* pool;
 };
@@ -149,12 +149,16 @@ class SpareSat {
   /// The spare record, initialised to one copy of the unit [left, right).
   Csat& candidate(const char* left, const char* right);
 
-  /// Hands the record over; there is no spare afterwards. Requires that there is one.
-  Csat* release();
+  /// Hands the record over to the end of `results`; there is no spare afterwards. Requires that
+  /// there is one.
+  void move_to(std::list<Csat*>& results);
 
  private:
-  /// The record, or nothing. A list, so that giving it back to the pool needs no memory: that also
-  /// happens while a scan is given up for want of it.
+  void take_from_pool(const char* left, const char* right);
+
+  /// The record, or nothing. A list, so that its node goes from list to list with it: neither
+  /// taking it from the pool nor handing it over needs memory, and giving it back may not, since a
+  /// scan is also given up for want of memory.
   std::list<Csat*> spare_;
 };
 

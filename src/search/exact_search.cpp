@@ -92,8 +92,7 @@ void CSearchController::find_perfect_repeats(const BitPlanes& planes, const Take
 
 void CSearchController::exact_search_2() {
   const BitPlanes planes(seq_begin(), seq_length(), ExactFilter::margin(longest_unit()));
-  find_perfect_repeats(
-      planes, [this](SpareSat& spare, const Csat&) { exact_sats.push_back(spare.release()); });
+  find_perfect_repeats(planes, [this](SpareSat& spare, const Csat&) { spare.move_to(exact_sats); });
   exact_sats.sort(lessThan_sat);
 }
 

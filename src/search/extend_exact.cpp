@@ -47,7 +47,7 @@ void CSearchController::extend_seeds(const BitPlanes& planes, const ExtendSeed& 
     const char* const seed_left = sat.pos_left;
     const char* const seed_right = sat.pos_right;
     if (!extend(sat)) return;
-    imperfect_sats.push_back(spare.release());
+    spare.move_to(imperfect_sats);
     extended.push_back({std::prev(imperfect_sats.end()), seed_left, seed_right});
   });
   minScores = &*minScores_user;

@@ -240,10 +240,13 @@ TEST_F(Pool, ASpareRecordGoesBackToThePoolUnlessItWasHandedOver) {
   {
     SpareSat spare;
     spare.candidate(dna_.at(0), dna_.at(2));
-    EXPECT_EQ(spare.release(), sat);
+    CsatContainer results(sat_alloc);
+    spare.move_to(results);
+    EXPECT_THAT(results, ElementsAre(sat));
+    EXPECT_TRUE(sat_alloc.empty());
+    EXPECT_NE(&spare.candidate(dna_.at(0), dna_.at(2)), sat);
   }
-  EXPECT_TRUE(sat_alloc.empty());
-  recycle_sat(sat_alloc, sat);
+  EXPECT_EQ(sat_alloc.size(), 2U);
 }
 
 }  // namespace
