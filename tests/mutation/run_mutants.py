@@ -7,7 +7,7 @@
 
 The faults stand in mutants.toml. Each is planted in a copy of the tree under build/mutants/, which is
 built again as far as needed; then the tests that `make test` runs are run up to the first red one,
-quick layers first, but before them the layer that caught the fault last time. A run takes long, so
+quick layers first, but before them the test that caught the fault last time. A run takes long, so
 what was caught is remembered in build/mutants/caught.json: an interrupted run goes on where it
 ended, and a later one tries again only the faults in files that have changed since. The other
 files may have changed, so the table says at which commits the faults were tried. Prints, and with --write
@@ -36,7 +36,7 @@ import sys
 import time
 import tomllib
 from collections import Counter
-from collections.abc import Mapping, Sequence
+from collections.abc import Callable, Mapping, Sequence
 from dataclasses import asdict, dataclass
 from pathlib import Path
 
@@ -64,17 +64,18 @@ def limit_memory() -> None:
 
 @dataclass(frozen=True)
 class Stage:
-    """Some tests: what has to be built for them, the command that runs them, and how it names a red one."""
+    """Some tests: what has to be built for them, the commands that run all or one, and how a red one is named."""
 
     folder: str
     targets: tuple[str, ...]
     command: tuple[str, ...]
+    command_of_one: Callable[[str], tuple[str, ...]]
     red_test: re.Pattern[str]
 
-    def red_tests(self) -> list[str]:
+    def red_tests(self, command: tuple[str, ...]) -> list[str]:
         """The names of tests that fail; those behind the first may not have been run."""
         try:
-            result = subprocess.run(self.command, capture_output=True, text=True, errors="replace", check=False,
+            result = subprocess.run(command, capture_output=True, text=True, errors="replace", check=False,
                                     preexec_fn=limit_memory, timeout=TIME_LIMIT_SECONDS)
         except subprocess.TimeoutExpired:
             return [f"{self.folder}: time limit"]
@@ -84,27 +85,39 @@ class Stage:
         # A program of tests that died has begun one last test.
         begun = re.findall(r"^\[ RUN      \] (\S+)", result.stdout, re.MULTILINE)
         if not red and not begun:
-            raise RuntimeError(f"{self.command} failed without a red test:\n{result.stdout[-2000:]}{result.stderr}")
+            raise RuntimeError(f"{command} failed without a red test:\n{result.stdout[-2000:]}{result.stderr}")
         return red or begun[-1:]
+
+    def is_red(self, test: str) -> bool:
+        """Whether this test fails alone; false if there is no such test."""
+        return bool(self.red_tests(self.command_of_one(test)))
+
+    def first_red(self) -> str | None:
+        """A test that fails, and fails again alone: on a busy machine a test may miss its time limit."""
+        red = self.red_tests(self.command)
+        return red[0] if red and (self.is_red(red[0]) or self.red_tests(self.command)) else None
 
 
 def gtest_stage(folder: str, target: str) -> Stage:
     """A program of tests as a whole; ctest would start it once for each test."""
-    return Stage(folder, ("vorlan", target), (str(BUILD / folder / target), "--gtest_fail_fast"),
+    program = str(BUILD / folder / target)
+    return Stage(folder, ("vorlan", target), (program, "--gtest_fail_fast"),
+                 lambda test: (program, f"--gtest_filter={test}"),
                  re.compile(r"^\[  FAILED  \] (\S+?)(?:,|$)", re.MULTILINE))
 
 
 def golden_stage() -> Stage:
-    cases = [str(path.parent) for path in sorted(TREE.glob("tests/golden/*/cmd"))]
-    return Stage("tests/golden", ("vorlan",),
-                 (sys.executable, str(TREE / "tests/golden/run_golden.py"), str(BUILD / "vorlan"), *cases),
+    cases = {path.parent.name: str(path.parent) for path in sorted(TREE.glob("tests/golden/*/cmd"))}
+    command = (sys.executable, str(TREE / "tests/golden/run_golden.py"), str(BUILD / "vorlan"))
+    return Stage("tests/golden", ("vorlan",), (*command, *cases.values()),
+                 lambda test: (*command, cases[test]) if test in cases else ("true",),
                  re.compile(r"^FAILED (\S+)$", re.MULTILINE))
 
 
 def ctest_stage(folder: str) -> Stage:
     command = ("ctest", "--test-dir", str(BUILD / folder), "--label-exclude", "slow", "--parallel", "2",
                "--stop-on-failure", "--timeout", "60", "--no-tests=ignore")
-    return Stage(folder, ("all",), command,
+    return Stage(folder, ("all",), command, lambda test: (*command, "--tests-regex", f"^{re.escape(test)}$"),
                  re.compile(r"^The following tests FAILED:\s+\d+ - (\S+)", re.MULTILINE))
 
 
@@ -223,28 +236,34 @@ def build(targets: Sequence[str]) -> subprocess.CompletedProcess[str]:
     return subprocess.run(command, capture_output=True, text=True, check=False)
 
 
-def catcher(first_layer: str = "") -> tuple[str, str] | None:
-    """A test that notices what is planted in the copy, and its layer, or None; `first_layer` is tried first."""
+def build_tests(stage: Stage) -> bool:
+    return build(stage.targets).returncode == 0
+
+
+def catcher(last: Catch | None = None) -> tuple[str, str] | None:
+    """A test that notices what is planted in the copy, and its layer, or None; what noticed it last is tried first."""
     compiled = build(["vorlan"])
     if compiled.returncode != 0:
         raise ListError(f"the program cannot be compiled:\n{compiled.stdout[-2000:]}")
-    for stage in sorted(stages(), key=lambda stage: stage.folder != first_layer):
+    for stage in stages():
+        if last and stage.folder == last.layer and build_tests(stage) and stage.is_red(last.test):
+            return last.test, last.layer
+    for stage in stages():
         # After linking, test programs are asked for their tests: one that cannot answer is red.
-        if build(stage.targets).returncode != 0:
+        if not build_tests(stage):
             return "the tests cannot be listed", stage.folder
-        # Red twice: on a busy machine a test may miss its time limit.
-        if stage.red_tests() and (red := stage.red_tests()):
-            return red[0], stage.folder
+        if red := stage.first_red():
+            return red, stage.folder
     return None
 
 
-def try_mutant(mutant: Mutant, first_layer: str) -> Catch | None:
+def try_mutant(mutant: Mutant, last: Catch | None) -> Catch | None:
     path = TREE / mutant.file
     text = path.read_text()
     path.write_text(mutant.mutated(text))
     planted_at = time.monotonic()
     try:
-        red = catcher(first_layer)
+        red = catcher(last)
         seconds = round(time.monotonic() - planted_at)
         return red and Catch(*red, seconds, digest_of_text(text), commit())
     except ListError as problem:
@@ -361,7 +380,7 @@ def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
         key = key_of(mutant)
         catch = caught.get(key)
         if not is_up_to_date(catch, TREE / mutant.file):
-            catch = try_mutant(mutant, catch.layer if catch else "")
+            catch = try_mutant(mutant, catch)
         if catch is not None:
             caught[key] = catch
             write_caught(caught)
