@@ -181,8 +181,8 @@ void print_fasta(std::FILE* stream, const Entry& entry) {
 
 void print_old(std::FILE* stream, const Entry& entry) {
   // Perfections are never negative here, so this rounds to the nearest, halves up.
-  const int rounded = static_cast<int>(static_cast<double>(entry.perfection) +
-                                       0.5);  // NOLINT(bugprone-incorrect-roundings)
+  const double perfection = static_cast<double>(entry.perfection);
+  const int rounded = static_cast<int>(perfection + 0.5);  // NOLINT(bugprone-incorrect-roundings)
   EntryText text;
   text.add(entry.sat.get_repeat_name());
   text.add(" ").add_number(entry.start).add(" : ").add_number(entry.end);
