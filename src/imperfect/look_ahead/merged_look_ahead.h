@@ -39,13 +39,15 @@
 #include <vector>
 
 #include "imperfect/look_ahead/mismatch_masks.h"
+#include "imperfect/look_ahead/unit_strip.h"
 #include "imperfect/moves.h"
 #include "input/csequence_mol.h"
 #include "search/walk.h"
 
 namespace vorlan {
 
-/// Memory of the look-ahead, reused from decision to decision. Scores are relative to the decision.
+/// Memory of the look-ahead in one sequence, reused from decision to decision. Scores are relative
+/// to the decision.
 template <class Direction>
 struct MergedLookAheadMemory {
   // An alignment consumes no more residues than a sequence has.
@@ -62,7 +64,7 @@ struct MergedLookAheadMemory {
   std::vector<State> level;
   std::vector<State> next_level;
   std::vector<std::vector<State>> seen;  ///< By diagonal, of all levels.
-  PeriodicUnit unit;
+  UnitStrip unit;
   MismatchMasks<Direction> masks;
 };
 
@@ -100,8 +102,7 @@ class MergedLookAhead {
     relative_floor_ = static_cast<std::int32_t>(floor_ - score);
     memory_.seen.resize(static_cast<std::size_t>(diagonals_));
     if (planes_ != nullptr) {
-      if (!unit_is_written_) memory_.unit.assign(unit_);
-      unit_is_written_ = true;
+      memory_.unit.assign(planes_->words(), unit_.begin - seq_begin_, unit_.length());
       memory_.masks.start(planes_->words(), memory_.unit, front.place - seq_begin_, cursor_,
                           memory_.seen.size());
     }
@@ -214,7 +215,6 @@ class MergedLookAhead {
   std::int64_t floor_;
   std::int32_t diagonals_;
   Memory& memory_;
-  bool unit_is_written_ = false;  ///< Into the memory; not before the first decision.
   const char* origin_ = nullptr;
   std::ptrdiff_t cursor_ = 0;
   std::int32_t relative_floor_ = 0;

@@ -7,35 +7,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "imperfect/look_ahead/unit_strip.h"
 #include "imperfect/look_ahead/words_ahead.h"
 #include "search/bit_planes.h"
 #include "search/direction.h"
 
 namespace vorlan {
-
-/// A unit written out again and again, as bits.
-class PeriodicUnit {
- public:
-  struct Bits {
-    std::uint64_t low;
-    std::uint64_t high;
-  };
-
-  /// Cost: linear in the length, and at least 128 steps.
-  void assign(const UnitSpan& unit);
-
-  /// 64 bases from unit base `offset` on, which may be any number.
-  Bits from(std::ptrdiff_t offset) const {
-    offset %= length_;
-    if (offset < 0) offset += length_;
-    return {bits_at(low_.data(), offset), bits_at(high_.data(), offset)};
-  }
-
- private:
-  std::ptrdiff_t length_ = 1;
-  std::vector<std::uint64_t> low_;
-  std::vector<std::uint64_t> high_;
-};
 
 /// Where the residues ahead of a decision differ from the unit, on each diagonal, as bits: a walk
 /// over matches is one count of zeros instead of a loop. Looks no further than kWords words, and
@@ -58,8 +35,9 @@ class MismatchMasks {
   /// one for reading across its end.
   static constexpr std::size_t kReach = std::size_t{kWords + 2} * std::size_t{kBits};
 
-  /// For decisions at `place` (an offset in the sequence), where unit base `cursor` is due.
-  void start(const BitPlanes::Words& planes, const PeriodicUnit& unit, std::ptrdiff_t place,
+  /// For decisions at `place` (an offset in the sequence), where unit base `cursor` is due. The
+  /// unit must outlive the use.
+  void start(const BitPlanes::Words& planes, const UnitStrip& unit, std::ptrdiff_t place,
              std::ptrdiff_t cursor, std::size_t diagonals) {
     planes_ = planes;
     unit_ = &unit;
@@ -85,8 +63,9 @@ class MismatchMasks {
   bool compute(std::size_t slot, std::ptrdiff_t diagonal, std::int32_t word) {
     const std::ptrdiff_t first = WordsAhead<Direction>::first_residue(place_, word * kBits);
     if (bits_at(planes_.no_base, first) != 0) return false;
-    const PeriodicUnit::Bits unit =
-        unit_->from(WordsAhead<Direction>::first_unit_base(cursor_, word * kBits, diagonal));
+    const std::ptrdiff_t due =
+        WordsAhead<Direction>::first_unit_base(cursor_, word * kBits, diagonal);
+    const UnitStrip::Bits unit = unit_->from(unit_->phase(static_cast<std::int32_t>(due)));
     masks_[slot * kWords + static_cast<std::size_t>(word)] =
         (bits_at(planes_.low, first) ^ unit.low) | (bits_at(planes_.high, first) ^ unit.high);
     is_known_[slot] = static_cast<std::uint8_t>(is_known_[slot] | 1 << word);
@@ -94,26 +73,11 @@ class MismatchMasks {
   }
 
   BitPlanes::Words planes_{};
-  const PeriodicUnit* unit_ = nullptr;
+  const UnitStrip* unit_ = nullptr;
   std::ptrdiff_t place_ = 0;
   std::ptrdiff_t cursor_ = 0;
   std::vector<std::uint64_t> masks_;
   std::vector<std::uint8_t> is_known_;  // one bit for each word
 };
-
-inline void PeriodicUnit::assign(const UnitSpan& unit) {
-  length_ = unit.length();
-  const std::ptrdiff_t bits = length_ + kBitsPerWord;
-  const auto words = static_cast<std::size_t>(bits / kBitsPerWord + 2);
-  low_.assign(words, 0);
-  high_.assign(words, 0);
-  const char* base = unit.begin;
-  for (std::ptrdiff_t i = 0; i < bits; ++i) {
-    const auto word = static_cast<std::size_t>(i / kBitsPerWord);
-    low_[word] |= BitPlanes::low_bit(*base) << i % kBitsPerWord;
-    high_[word] |= BitPlanes::high_bit(*base) << i % kBitsPerWord;
-    if (++base == unit.end) base = unit.begin;
-  }
-}
 
 }  // namespace vorlan

@@ -45,6 +45,29 @@ const char* origin(Backward, Ends text) { return text.end; }
 const char* stop(Forward, Ends text) { return text.end; }
 const char* stop(Backward, Ends text) { return text.begin; }
 
+/// A text, and a unit in the same sequence: behind all that is looked at from the text.
+class TextAndUnit {
+ public:
+  TextAndUnit(const std::string& text, const std::string& unit)
+      : residues_(text + std::string(kReach, 'N') + unit),
+        planes_(residues_.data(), residues_.size(), kReach),
+        text_{residues_.data(), residues_.data() + text.size()},
+        unit_{residues_.data() + residues_.size() - unit.size(),
+              residues_.data() + residues_.size()} {}
+
+  Ends text() const { return text_; }
+  UnitSpan unit() const { return unit_; }
+  const BitPlanes& planes() const { return planes_; }
+
+ private:
+  static constexpr std::size_t kReach = MismatchMasks<Forward>::kReach;
+
+  std::string residues_;
+  BitPlanes planes_;
+  Ends text_;
+  UnitSpan unit_;
+};
+
 /// Which moves were chosen, so that no test passes on decisions that are no choice.
 class MoveCounts {
  public:
@@ -63,11 +86,11 @@ class MergedLookAheadTest : public FreshSettings {
   /// Compares decisions in one text with one unit.
   class Comparison {
    public:
-    Comparison(Ends text, UnitSpan unit, const BitPlanes* planes,
-               MergedLookAheadMemory<Direction>& memory)
-        : stop_(stop(Direction{}, text)),
-          plain_(settings_, unit, stop_),
-          merged_(settings_, unit, stop_, planes, text.begin, memory) {}
+    Comparison(const TextAndUnit& sequence, bool has_planes)
+        : stop_(stop(Direction{}, sequence.text())),
+          plain_(settings_, sequence.unit(), stop_),
+          merged_(settings_, sequence.unit(), stop_, has_planes ? &sequence.planes() : nullptr,
+                  sequence.text().begin, memory_) {}
 
     const Scoring& settings() const { return settings_; }
 
@@ -83,20 +106,21 @@ class MergedLookAheadTest : public FreshSettings {
     Scoring settings_ = Scoring::of_the_run();
     const char* stop_;
     LeapAhead<Direction> plain_;
+    MergedLookAheadMemory<Direction> memory_;
     MergedLookAhead<Direction> merged_;
   };
 
   /// At the edge of the text, from each base of the unit and with all scores from the floor up.
-  void compare_unit(const std::string& text, const std::string& unit, const BitPlanes* planes,
+  void compare_unit(const std::string& text, const std::string& unit, bool has_planes,
                     std::int64_t highest_score) {
-    const Ends ends{text.data(), text.data() + text.size()};
-    const UnitSpan span{unit.data(), unit.data() + unit.size()};
-    Comparison comparison(ends, span, planes, memory_);
+    const TextAndUnit sequence(text, unit);
+    const UnitSpan span = sequence.unit();
+    Comparison comparison(sequence, has_planes);
     const std::int64_t floor = comparison.settings().threshold(0, span.length());
     for (const char* cursor = span.begin; cursor != span.end; ++cursor) {
       for (std::int64_t score = floor; score <= floor + highest_score; ++score) {
         ASSERT_NO_FATAL_FAILURE(
-            comparison.expect_same_move(origin(Direction{}, ends), cursor, score, seen_))
+            comparison.expect_same_move(origin(Direction{}, sequence.text()), cursor, score, seen_))
             << text << " unit " << unit << " cursor " << cursor - span.begin;
       }
     }
@@ -104,10 +128,10 @@ class MergedLookAheadTest : public FreshSettings {
 
   /// All units of 1 to `longest` bases. Places inside are edges of the shorter texts.
   void compare_all_units(const std::string& text, std::string_view bases, std::size_t longest,
-                         const BitPlanes* planes, std::int64_t highest_score) {
+                         bool has_planes, std::int64_t highest_score) {
     for (std::size_t length = 1; length <= longest; ++length) {
       differential::for_each_string(bases, length, [&](const std::string& unit) {
-        compare_unit(text, unit, planes, highest_score);
+        compare_unit(text, unit, has_planes, highest_score);
         return !testing::Test::HasFailure();
       });
     }
@@ -119,9 +143,8 @@ class MergedLookAheadTest : public FreshSettings {
     const std::string_view bases = alphabet.substr(0, alphabet.find('N'));
     differential::for_each_string_up_to(alphabet, longest_text, [&](const std::string& text) {
       if (text.empty()) return true;
-      const BitPlanes planes(text.data(), text.size(), MismatchMasks<Direction>::kReach);
-      compare_all_units(text, bases, longest_unit, nullptr, highest_score);
-      compare_all_units(text, bases, longest_unit, &planes, highest_score);
+      compare_all_units(text, bases, longest_unit, false, highest_score);
+      compare_all_units(text, bases, longest_unit, true, highest_score);
       return !testing::Test::HasFailure();
     });
   }
@@ -146,7 +169,6 @@ class MergedLookAheadTest : public FreshSettings {
     seen_.expect_each_at_least(100);
   }
 
-  MergedLookAheadMemory<Direction> memory_;
   MoveCounts seen_;
 };
 
@@ -189,8 +211,7 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesInTextsOfFewBases) {
         random.per_cent(30) ? few : differential::diverged(random, array, random.between(50, 300));
     if (random.per_cent(20)) differential::overwrite_with_Ns(random, text, 1, 3);
     if (text.empty()) continue;
-    const BitPlanes planes(text.data(), text.size(), MismatchMasks<TypeParam>::kReach);
-    this->compare_unit(text, unit, random.per_cent(50) ? &planes : nullptr, 30);
+    this->compare_unit(text, unit, random.per_cent(50), 30);
     ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
   }
   this->seen_.expect_each_at_least(100);
@@ -222,24 +243,23 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesInLongArrays) {
     reference::set_settings_of_the_product(settings);
     const std::string unit = differential::random_residues(
         random, random.per_cent(70) ? 1 + random.below(8) : 1 + random.below(40), "ACGT");
-    const Dna dna(array_with_flanks(random, unit));
-    if (dna.end() - dna.at(0) < 2) continue;
-    const auto length = static_cast<std::size_t>(dna.end() - dna.at(0));
-    const BitPlanes planes(dna.at(0), length, MismatchMasks<TypeParam>::kReach);
-    const UnitSpan span{unit.data(), unit.data() + unit.size()};
-    typename TestFixture::Comparison comparison(
-        {dna.at(0), dna.end()}, span, random.per_cent(75) ? &planes : nullptr, this->memory_);
+    const TextAndUnit sequence(array_with_flanks(random, unit), unit);
+    const Ends text = sequence.text();
+    const UnitSpan span = sequence.unit();
+    const std::string_view residues(text.begin, static_cast<std::size_t>(text.end - text.begin));
+    if (residues.size() < 2) continue;
+    typename TestFixture::Comparison comparison(sequence, random.per_cent(75));
     const std::int64_t floor = comparison.settings().threshold(0, span.length());
     for (int i = 0; i < 8; ++i) {
-      const std::ptrdiff_t place = random_place(random, length);
+      const std::ptrdiff_t place = random_place(random, residues.size());
       const std::int64_t score =
           floor + (random.per_cent(90) ? random.between(0, 40) : random.between(0, 1'000'000));
       for (const char* cursor = span.begin; cursor != span.end; ++cursor) {
         ASSERT_NO_FATAL_FAILURE(
-            comparison.expect_same_move(dna.at(place), cursor, score, this->seen_))
+            comparison.expect_same_move(text.begin + place, cursor, score, this->seen_))
             << differential::describe(settings) << " unit " << unit << " place " << place
             << " cursor " << cursor - span.begin << "\n"
-            << std::string_view(dna.at(0), length);
+            << residues;
       }
     }
   }
@@ -255,8 +275,7 @@ TYPED_TEST(MergedLookAheadTest, MakesTheSameMovesAtDepthsThatOnlyTheScoreEnds) {
     settings.maximum_recursion_depth = random.one_of({20, 255, 256, 257, 2147483647});
     reference::set_settings_of_the_product(settings);
     const std::string text = differential::random_residues(random, 2 + random.below(12), "AACCN");
-    const BitPlanes planes(text.data(), text.size(), MismatchMasks<TypeParam>::kReach);
-    this->compare_all_units(text, "AC", 4, &planes, 7);
+    this->compare_all_units(text, "AC", 4, true, 7);
     ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
   }
   this->seen_.expect_each_at_least(100);

@@ -24,26 +24,6 @@ std::ptrdiff_t remainder(std::ptrdiff_t number, std::ptrdiff_t divisor) {
   return (number % divisor + divisor) % divisor;
 }
 
-TEST(PeriodicUnit, GivesTheBasesThatIndexingRoundTheUnitGives) {
-  Random random(1);
-  PeriodicUnit periodic;
-  for (std::size_t length = 1; length <= 150; ++length) {
-    const std::string unit = differential::random_residues(random, length, "ACGT");
-    periodic.assign({unit.data(), unit.data() + length});
-    const auto period = static_cast<std::ptrdiff_t>(length);
-    for (std::ptrdiff_t offset = -2 * period - 3; offset <= 2 * period + 3; ++offset) {
-      const PeriodicUnit::Bits bits = periodic.from(offset);
-      for (int i = 0; i < 64; ++i) {
-        const char base = unit[static_cast<std::size_t>(remainder(offset + i, period))];
-        ASSERT_EQ(bits.low >> i & 1, BitPlanes::low_bit(base))
-            << unit << " from " << offset << " bit " << i;
-        ASSERT_EQ(bits.high >> i & 1, BitPlanes::high_bit(base))
-            << unit << " from " << offset << " bit " << i;
-      }
-    }
-  }
-}
-
 /// Places in a sequence as the two directions count from them.
 template <class Direction>
 constexpr bool kIsForward = false;
@@ -105,13 +85,18 @@ class MismatchMasksTest : public testing::Test {
 
   // Asks for one diagonal and several starts, in any order, as a look-ahead does.
   void expect_same_walks(Random& random, const std::string& residues, const std::string& unit) {
-    const Dna dna(residues);
-    const BitPlanes planes(dna.at(0), residues.size(), MismatchMasks<Direction>::kReach);
-    periodic_.assign({unit.data(), unit.data() + unit.size()});
+    // The unit is a stretch of the sequence: here behind all that is looked at.
+    const std::string followed =
+        residues + std::string(MismatchMasks<Direction>::kReach, 'N') + unit;
+    const Dna dna(followed);
+    const BitPlanes planes(dna.at(0), followed.size(), MismatchMasks<Direction>::kReach);
+    UnitStrip strip;
+    strip.assign(planes.words(), static_cast<std::ptrdiff_t>(followed.size() - unit.size()),
+                 static_cast<std::ptrdiff_t>(unit.size()));
     const std::ptrdiff_t place = random.between(0, static_cast<int>(residues.size()));
     const auto cursor = static_cast<std::ptrdiff_t>(random.below(unit.size()));
     const Decision<Direction> decision(residues, unit, place, cursor);
-    masks_.start(planes.words(), periodic_, place, cursor, 2 * kMostEdits + 1);
+    masks_.start(planes.words(), strip, place, cursor, 2 * kMostEdits + 1);
     for (int i = 0; i < 30; ++i) {
       const std::int32_t diagonal = random.between(-kMostEdits, kMostEdits);
       const std::int32_t ahead =
@@ -135,7 +120,6 @@ class MismatchMasksTest : public testing::Test {
     }
   }
 
-  PeriodicUnit periodic_;
   MismatchMasks<Direction> masks_;
   int known_ = 0;
   int known_behind_first_word_ = 0;

@@ -119,9 +119,8 @@ TEST_F(EngineExamples, MismatchMasksH) {
     const std::string followed = std::string(residues) + repeated("AC", 40);
     const Dna dna(followed);
     const BitPlanes planes(dna.at(0), followed.size(), MismatchMasks<Forward>::kReach);
-    const std::string bases = "AC";
-    PeriodicUnit unit;
-    unit.assign({bases.data(), bases.data() + 2});
+    UnitStrip unit;
+    unit.assign(planes.words(), 4, 2);
     MismatchMasks<Forward> masks;
     masks.start(planes.words(), unit, 0, 0, 1);
     return masks.next_mismatch(0, 0, 0);
