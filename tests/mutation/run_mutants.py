@@ -6,14 +6,15 @@
     run_mutants.py [--only TEXT] [--again | --remembered] [--write FILE]
 
 The faults stand in mutants.toml. Each is planted in a copy of the tree under build/mutants/, which is
-built again as far as needed; then the tests that `make test` runs are run up to the first red one,
-quick layers first, but before them the test that caught the fault last time. A run takes long, so
-what was caught is remembered in build/mutants/caught.json: an interrupted run goes on where it
-ended, and a later one tries again only the faults in files that have changed since. The other
-files may have changed, so the table says at which commits the faults were tried. Prints, and with --write
-stores, a table: which test of which layer caught each, and how long it took from the fault to the
-red test, building included. Every source file must have a fault, unless mutants.toml says that it
-holds no code. Status 1 if a fault survives without a stated reason, or is caught although there
+built again as far as needed; then the tests that `make test` runs are run up to the first red one:
+the test that caught the fault last time, then layer by layer, quick ones first, and of a layer first
+the tests that share a word with the name of the file. A run takes long, so what was caught is
+remembered in build/mutants/caught.json: an interrupted run goes on where it ended, and a later one
+tries again only the faults in files that have changed since. The other files may have changed, so
+the table says at which commits the faults were tried. Prints, and with --write stores, a table:
+which test of which layer caught each, and how long it took from the fault to the red test, building
+included. Every source file must have a fault, unless mutants.toml says that it holds no code.
+Status 1 if a fault survives without a stated reason, or is caught although there
 is one; 2 if the list of faults does not fit the tree.
 
     --only TEXT    only faults whose file or name holds TEXT
@@ -71,6 +72,7 @@ class Stage:
     command: tuple[str, ...]
     command_of_one: Callable[[str], tuple[str, ...]]
     red_test: re.Pattern[str]
+    command_of_words: Callable[[Sequence[str]], tuple[str, ...]] | None = None
 
     def red_tests(self, command: tuple[str, ...]) -> list[str]:
         """The names of tests that fail; those behind the first may not have been run."""
@@ -92,10 +94,14 @@ class Stage:
         """Whether this test fails alone; false if there is no such test."""
         return bool(self.red_tests(self.command_of_one(test)))
 
-    def first_red(self) -> str | None:
+    def first_red(self, words: Sequence[str]) -> str | None:
         """A test that fails, and fails again alone: on a busy machine a test may miss its time limit."""
-        red = self.red_tests(self.command)
-        return red[0] if red and (self.is_red(red[0]) or self.red_tests(self.command)) else None
+        commands = [self.command_of_words(words)] if self.command_of_words and words else []
+        for command in (*commands, self.command):
+            red = self.red_tests(command)
+            if red and (self.is_red(red[0]) or self.red_tests(command)):
+                return red[0]
+        return None
 
 
 def gtest_stage(folder: str, target: str) -> Stage:
@@ -103,7 +109,9 @@ def gtest_stage(folder: str, target: str) -> Stage:
     program = str(BUILD / folder / target)
     return Stage(folder, ("vorlan", target), (program, "--gtest_fail_fast"),
                  lambda test: (program, f"--gtest_filter={test}"),
-                 re.compile(r"^\[  FAILED  \] (\S+?)(?:,|$)", re.MULTILINE))
+                 re.compile(r"^\[  FAILED  \] (\S+?)(?:,|$)", re.MULTILINE),
+                 lambda words: (program, "--gtest_fail_fast",
+                                "--gtest_filter=" + ":".join(f"*{word.capitalize()}*" for word in words)))
 
 
 def golden_stage() -> Stage:
@@ -240,8 +248,14 @@ def build_tests(stage: Stage) -> bool:
     return build(stage.targets).returncode == 0
 
 
-def catcher(last: Catch | None = None) -> tuple[str, str] | None:
-    """A test that notices what is planted in the copy, and its layer, or None; what noticed it last is tried first."""
+def words_of(file: str) -> list[str]:
+    """Of the name of a source file, and of that of its folder below a part of the program."""
+    parts = file.partition(".")[0].split("/")[2:]
+    return sorted({word for part in parts for word in part.split("_")})
+
+
+def catcher(file: str = "", last: Catch | None = None) -> tuple[str, str] | None:
+    """A test that notices what is planted in this file of the copy, and its layer, or None; `last` noticed it before."""
     compiled = build(["vorlan"])
     if compiled.returncode != 0:
         raise ListError(f"the program cannot be compiled:\n{compiled.stdout[-2000:]}")
@@ -252,7 +266,7 @@ def catcher(last: Catch | None = None) -> tuple[str, str] | None:
         # After linking, test programs are asked for their tests: one that cannot answer is red.
         if not build_tests(stage):
             return "the tests cannot be listed", stage.folder
-        if red := stage.first_red():
+        if red := stage.first_red(words_of(file)):
             return red, stage.folder
     return None
 
@@ -263,7 +277,7 @@ def try_mutant(mutant: Mutant, last: Catch | None) -> Catch | None:
     path.write_text(mutant.mutated(text))
     planted_at = time.monotonic()
     try:
-        red = catcher(last)
+        red = catcher(mutant.file, last)
         seconds = round(time.monotonic() - planted_at)
         return red and Catch(*red, seconds, digest_of_text(text), commit())
     except ListError as problem:
