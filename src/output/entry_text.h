@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cassert>
 #include <charconv>
 #include <concepts>
 #include <cstdio>
@@ -14,10 +15,12 @@
 
 namespace vorlan {
 
-/// The fields of an entry as they are put together: texts and numbers, which stand right-aligned in
-/// a least width of columns, as printf would write them with "%*d" and "%*.*f". A run prints three
-/// such lines per kilobase, and printf, which reads its format again for each, takes four times as
-/// long.
+/// The text of an entry as it is put together field by field. Numbers stand right-aligned in a
+/// least width of columns and look as printf writes them with "%*d" and "%*.*f". printf itself
+/// reads its format again for each entry, which took a tenth of the time of a run on an AT-rich
+/// genome. Throws std::bad_alloc.
+///
+/// Example: add_number(12, 4), add(" bp") and add_decimal(97.5, 2, 7) make "  12 bp  97.50".
 class EntryText {
  public:
   EntryText() { text_.reserve(kUsualLength); }
@@ -33,13 +36,14 @@ class EntryText {
     return add(text);
   }
 
+  /// `value` in the decimal system, right-aligned like a text.
   EntryText& add_number(std::integral auto value, std::size_t width = 0) {
     char digits[kLongestNumber];
     return add_converted(digits, std::to_chars(digits, digits + kLongestNumber, value), width);
   }
 
-  /// `value` with `places` digits behind the point, at most 6: the nearest such number to the exact
-  /// value, and of two equally near the even one.
+  /// `value`, which may be infinite or no number, with `places` digits behind the point, at most 6:
+  /// the nearest such number, and of two equally near the even one.
   EntryText& add_decimal(float value, int places, std::size_t width = 0) {
     char digits[kLongestNumber];
     const auto converted =
@@ -60,6 +64,7 @@ class EntryText {
   static constexpr std::size_t kLongestNumber = 48;
 
   EntryText& add_converted(const char* digits, std::to_chars_result converted, std::size_t width) {
+    assert(converted.ec == std::errc());
     return add_aligned({digits, static_cast<std::size_t>(converted.ptr - digits)}, width);
   }
 

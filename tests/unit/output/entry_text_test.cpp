@@ -32,8 +32,8 @@ std::string decimal(float value, int places, std::size_t width) {
 
 TEST(EntryText, TextsAndNumbersFollowEachOther) {
   EntryText text;
-  text.add("chr1").add_number(12, 4).add(" : ").add_decimal(97.5F, 2, 7).add("%");
-  EXPECT_EQ(text.view(), "chr1  12 :   97.50%");
+  text.add_number(12, 4).add(" bp").add_decimal(97.5F, 2, 7);
+  EXPECT_EQ(text.view(), "  12 bp  97.50");
   CapturedStream out;
   text.write(out.stream());
   EXPECT_EQ(out.text(), text.view());
