@@ -115,7 +115,8 @@ void set_mismatch(const Automaton& automaton, const Lanes* text, const Lanes* un
   if (automaton.plan.bridges_N) mismatch &= ~text[2] | text[0];
 }
 
-// Where residue j does not meet the unit base of each diagonal.
+// Where residue j does not meet the unit base of each diagonal. A unit length further to the right
+// the same base is due again.
 void set_mismatches(const Automaton& automaton, bool forward, int j, int first_diagonal,
                     int last_diagonal) {
   const FilterPlan& plan = automaton.plan;
@@ -123,11 +124,14 @@ void set_mismatches(const Automaton& automaton, bool forward, int j, int first_d
   const Lanes* text = start + kPlanes * (forward ? plan.unit_length + j : -1 - j);
   Lanes* mismatches = automaton.buffers.mismatches + automaton.middle();
   int base = (j - first_diagonal) % plan.unit_length;
-  for (int d = first_diagonal; d <= last_diagonal; ++d) {
+  const int first_round = smaller(last_diagonal, first_diagonal + plan.unit_length - 1);
+  int d = first_diagonal;
+  for (; d <= first_round; ++d) {
     set_mismatch(automaton, text, start + kPlanes * (forward ? base : plan.unit_length - 1 - base),
                  mismatches[d]);
     base = (base == 0 ? plan.unit_length : base) - 1;
   }
+  for (; d <= last_diagonal; ++d) mismatches[d] = mismatches[d - plan.unit_length];
 }
 
 void clear_row(const Automaton& automaton, int edits) {
@@ -162,18 +166,20 @@ Lanes step_row(const Automaton& automaton, int j, int edits, const Leaving& abov
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
   const int last_receiver = smaller(above.last + 1, last_diagonal);
+  const int last_in_motion = last_receiver < here.last ? here.last : last_receiver;
   Lanes in_row = {};
   int d = -edits;
-  const Lanes* const enter = above.lanes;
-  for (; d <= here.last; ++d) {
-    const Lanes before_residue = row[d] | enter[d + 1];
-    here.lanes[d] = before_residue & mismatches[d];
-    row[d] = (before_residue & ~mismatches[d]) | enter[d] | enter[d - 1];
+  // What comes in from the diagonals d - 1 and d, read once.
+  Lanes by_insertion = above.lanes[d - 1];
+  Lanes by_mismatch = above.lanes[d];
+  for (; d <= last_in_motion; ++d) {
+    const Lanes by_deletion = above.lanes[d + 1];
+    const Lanes before_residue = row[d] | by_deletion;
+    if (d <= here.last) here.lanes[d] = before_residue & mismatches[d];
+    row[d] = (before_residue & ~mismatches[d]) | by_mismatch | by_insertion;
     in_row |= row[d];
-  }
-  for (; d <= last_receiver; ++d) {
-    row[d] = ((row[d] | enter[d + 1]) & ~mismatches[d]) | enter[d] | enter[d - 1];
-    in_row |= row[d];
+    by_insertion = by_mismatch;
+    by_mismatch = by_deletion;
   }
   for (; d <= last_diagonal; ++d) {
     row[d] &= ~mismatches[d];
