@@ -8,17 +8,17 @@
 The faults stand in mutants.toml. Each is planted in a copy of the tree under build/mutants/, which is
 built again as far as needed; then the tests that `make test` runs are run up to the first red one:
 the test that caught the fault last time, then layer by layer, quick ones first, and of a layer first
-the tests that share a word with the name of the file. A run takes long, so what was caught is
-remembered in build/mutants/caught.json: an interrupted run goes on where it ended, and a later one
-tries again only the faults in files that have changed since. The other files may have changed, so
-the table says at which commits the faults were tried. Prints, and with --write stores, a table:
-which test of which layer caught each, and how long it took from the fault to the red test, building
-included. Every source file must have a fault, unless mutants.toml says that it holds no code.
-Status 1 if a fault survives without a stated reason, or is caught although there
-is one; 2 if the list of faults does not fit the tree.
+the tests that share a word with the name of the file. A run takes long, so its outcomes are
+remembered in build/mutants/tried.json, all but faults that survive without a stated reason: an
+interrupted run goes on where it ended, and a later one tries again only those and the faults in
+files that have changed since. The other files may have changed, so the table says at which commits
+the faults were tried. Prints, and with --write stores, a table: which test of which layer caught
+each, and how long it took from the fault to the red test, building included. Every source file must
+have a fault, unless mutants.toml says that it holds no code. Status 1 if a fault survives without a
+stated reason, or is caught although there is one; 2 if the list of faults does not fit the tree.
 
     --only TEXT    only faults whose file or name holds TEXT
-    --again        forget what was caught before, as is due when tests have changed
+    --again        forget earlier outcomes, as is due when tests have changed
     --remembered   try nothing: the table has what is remembered, and says how many are not tried yet
     --write FILE   store the table; only after a run with all faults
 """
@@ -45,7 +45,7 @@ ROOT = Path(__file__).resolve().parents[2]
 WORK = ROOT / "build" / "mutants"
 TREE = WORK / "tree"
 BUILD = WORK / "build"
-CAUGHT = WORK / "caught.json"
+TRIED = WORK / "tried.json"
 GREEN = WORK / "green"
 
 FEWEST_MUTANTS = 60
@@ -153,8 +153,8 @@ class Mutant:
 
 
 @dataclass(frozen=True)
-class Catch:
-    """A fault that was noticed: the test that was red, its layer (a folder of tests), how long that took, and when."""
+class Trial:
+    """How a fault was tried: which test was red, if any, its layer (a folder of tests), how long that took, and when."""
 
     test: str
     layer: str
@@ -162,9 +162,12 @@ class Catch:
     file_digest: str  # of the file where the fault was planted
     commit: str
 
+    @property
+    def is_caught(self) -> bool:
+        return bool(self.test)
 
-# A fault, and how it was noticed, if it was.
-Result = tuple[Mutant, Catch | None]
+
+Result = tuple[Mutant, Trial]
 
 
 class ListError(Exception):
@@ -254,13 +257,13 @@ def words_of(file: str) -> list[str]:
     return sorted({word for part in parts for word in part.split("_")})
 
 
-def catcher(file: str = "", last: Catch | None = None) -> tuple[str, str] | None:
-    """A test that notices what is planted in this file of the copy, and its layer, or None; `last` noticed it before."""
+def catcher(file: str = "", last: Trial | None = None) -> tuple[str, str] | None:
+    """A test that notices what is planted in this file of the copy, and its layer, or None."""
     compiled = build(["vorlan"])
     if compiled.returncode != 0:
         raise ListError(f"the program cannot be compiled:\n{compiled.stdout[-2000:]}")
     for stage in stages():
-        if last and stage.folder == last.layer and build_tests(stage) and stage.is_red(last.test):
+        if last and last.is_caught and stage.folder == last.layer and build_tests(stage) and stage.is_red(last.test):
             return last.test, last.layer
     for stage in stages():
         # After linking, test programs are asked for their tests: one that cannot answer is red.
@@ -271,54 +274,53 @@ def catcher(file: str = "", last: Catch | None = None) -> tuple[str, str] | None
     return None
 
 
-def try_mutant(mutant: Mutant, last: Catch | None) -> Catch | None:
+def try_mutant(mutant: Mutant, last: Trial | None) -> Trial:
     path = TREE / mutant.file
     text = path.read_text()
     path.write_text(mutant.mutated(text))
     planted_at = time.monotonic()
     try:
-        red = catcher(mutant.file, last)
-        seconds = round(time.monotonic() - planted_at)
-        return red and Catch(*red, seconds, digest_of_text(text), commit())
+        test, layer = catcher(mutant.file, last) or ("", "")
+        return Trial(test, layer, round(time.monotonic() - planted_at), digest_of_text(text), commit())
     except ListError as problem:
         raise ListError(f"{mutant.file}: {mutant.name}: {problem}") from problem
     finally:
         path.write_text(text)
 
 
-def is_as_stated(mutant: Mutant, catch: Catch | None) -> bool:
-    return (catch is None) == bool(mutant.equivalent)
+def is_as_stated(mutant: Mutant, trial: Trial) -> bool:
+    return trial.is_caught != bool(mutant.equivalent)
 
 
-def outcome_text(mutant: Mutant, catch: Catch | None) -> str:
-    if catch is None:
+def outcome_text(mutant: Mutant, trial: Trial) -> str:
+    if not trial.is_caught:
         return f"equivalent: {mutant.equivalent}" if mutant.equivalent else "**survived**"
-    return f"{catch.test} (**but said to be equivalent**)" if mutant.equivalent else catch.test
+    return f"{trial.test} (**but said to be equivalent**)" if mutant.equivalent else trial.test
 
 
 def table(results: Sequence[Result]) -> str:
     lines = ["| file | fault | caught by | layer | seconds |", "|---|---|---|---|---|"]
-    for mutant, catch in results:
-        layer, seconds = (catch.layer.removeprefix("tests/"), str(catch.seconds)) if catch else ("", "")
-        lines.append(f"| `{mutant.file.removeprefix('src/')}` | {mutant.name} | {outcome_text(mutant, catch)} "
-                     f"| {layer} | {seconds} |")
+    for mutant, trial in results:
+        seconds = str(trial.seconds) if trial.is_caught else ""
+        lines.append(f"| `{mutant.file.removeprefix('src/')}` | {mutant.name} | {outcome_text(mutant, trial)} "
+                     f"| {trial.layer.removeprefix('tests/')} | {seconds} |")
     return "\n".join(lines) + "\n"
 
 
 def layers(results: Sequence[Result]) -> str:
     """How many faults each layer of tests caught, and how long they took."""
-    catches = [catch for _, catch in results if catch]
+    caught = [trial for _, trial in results if trial.is_caught]
     lines = ["| layer | faults caught | seconds, median | seconds, most |", "|---|---|---|---|"]
-    for layer in dict.fromkeys(sorted((catch.layer for catch in catches), key=len)):
-        seconds = sorted(catch.seconds for catch in catches if catch.layer == layer)
+    for layer in dict.fromkeys(sorted((trial.layer for trial in caught), key=len)):
+        seconds = sorted(trial.seconds for trial in caught if trial.layer == layer)
         lines.append(f"| {layer.removeprefix('tests/')} | {len(seconds)} | {seconds[len(seconds) // 2]} "
                      f"| {seconds[-1]} |")
     return "\n".join(lines) + "\n"
 
 
 def summary(results: Sequence[Result]) -> str:
-    caught = sum(catch is not None for _, catch in results)
-    equivalent = sum(catch is None and bool(mutant.equivalent) for mutant, catch in results)
+    caught = sum(trial.is_caught for _, trial in results)
+    equivalent = sum(not trial.is_caught and bool(mutant.equivalent) for mutant, trial in results)
     return (f"{len(results)} faults, {caught} caught, {equivalent} equivalent, "
             f"{len(results) - caught - equivalent} survived")
 
@@ -328,8 +330,8 @@ def commit() -> str:
 
 
 def times_tried(results: Sequence[Result]) -> str:
-    """At which commits the faults were tried; what was not caught is tried in every run."""
-    tried = Counter(catch.commit if catch else commit() for _, catch in results)
+    """At which commits the faults were tried."""
+    tried = Counter(trial.commit for _, trial in results)
     return ", ".join(f"{count} at commit {name}" for name, count in tried.items())
 
 
@@ -365,42 +367,38 @@ def key_of(mutant: Mutant) -> str:
     return digest_of_text(repr((mutant.file, mutant.original, mutant.replacement)))
 
 
-def read_caught() -> dict[str, Catch]:
-    content = json.loads(CAUGHT.read_text()) if CAUGHT.exists() else {}
-    return {key: Catch(**entry) for key, entry in content.items()}
+def read_tried() -> dict[str, Trial]:
+    content = json.loads(TRIED.read_text()) if TRIED.exists() else {}
+    return {key: Trial(**entry) for key, entry in content.items()}
 
 
-def write_caught(caught: Mapping[str, Catch]) -> None:
-    CAUGHT.write_text(json.dumps({key: asdict(catch) for key, catch in caught.items()}))
+def write_tried(tried: Mapping[str, Trial]) -> None:
+    TRIED.write_text(json.dumps({key: asdict(trial) for key, trial in tried.items()}))
 
 
-def is_up_to_date(catch: Catch | None, path: Path) -> bool:
-    return catch is not None and catch.file_digest == digest_of_text(path.read_text())
+def remembered(mutants: Sequence[Mutant], tried: Mapping[str, Trial], root: Path) -> list[Result]:
+    """Those that were tried in the files as they are now."""
+    results = [(mutant, tried[key]) for mutant in mutants if (key := key_of(mutant)) in tried]
+    return [(mutant, trial) for mutant, trial in results
+            if trial.file_digest == digest_of_text((root / mutant.file).read_text())]
 
 
-def remembered(mutants: Sequence[Mutant], caught: Mapping[str, Catch]) -> list[Result]:
-    """Those that were caught in the files as they are now."""
-    results = [(mutant, caught.get(key_of(mutant))) for mutant in mutants]
-    return [(mutant, catch) for mutant, catch in results if is_up_to_date(catch, ROOT / mutant.file)]
-
-
-def run(mutants: Sequence[Mutant], caught: dict[str, Catch]) -> list[Result]:
-    """Which test catches each; those in `caught`, by key, are known already, and new ones are added."""
+def run(mutants: Sequence[Mutant], tried: dict[str, Trial]) -> list[Result]:
+    """How each fault fares; those in `tried`, by key, are known already, and new ones are added."""
     copy_tree()
     subprocess.run(CONFIGURE, check=True, stdout=subprocess.DEVNULL)
     require_green_tests()
+    known = {key_of(mutant): trial for mutant, trial in remembered(mutants, tried, TREE)}
     results = []
     for mutant in mutants:
         key = key_of(mutant)
-        catch = caught.get(key)
-        if not is_up_to_date(catch, TREE / mutant.file):
-            catch = try_mutant(mutant, catch)
-        if catch is not None:
-            caught[key] = catch
-            write_caught(caught)
-        results.append((mutant, catch))
-        after = f" ({catch.layer}, {catch.seconds} s)" if catch else ""
-        print(f"{mutant.file}: {mutant.name}: {outcome_text(mutant, catch)}{after}", flush=True)
+        trial = known.get(key) or try_mutant(mutant, tried.get(key))
+        if is_as_stated(mutant, trial):
+            tried[key] = trial
+            write_tried(tried)
+        results.append((mutant, trial))
+        after = f" ({trial.layer}, {trial.seconds} s)" if trial.is_caught else ""
+        print(f"{mutant.file}: {mutant.name}: {outcome_text(mutant, trial)}{after}", flush=True)
     return results
 
 
@@ -420,8 +418,8 @@ def main(words: Sequence[str]) -> int:
         faults = read_list(Path(__file__).with_name("mutants.toml"))
         check_list(faults, ROOT)
         chosen = [mutant for mutant in faults.mutants if options.only in f"{mutant.file} {mutant.name}"]
-        caught = {} if options.again else read_caught()
-        results = remembered(chosen, caught) if options.remembered else run(chosen, caught)
+        tried = {} if options.again else read_tried()
+        results = remembered(chosen, tried, ROOT) if options.remembered else run(chosen, tried)
     except ListError as problem:
         print(problem, file=sys.stderr)
         return 2
