@@ -18,6 +18,7 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::Field;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 /// The extend-exact search of one sequence.
 class ExtendedRepeats {
@@ -105,6 +106,16 @@ TEST_F(ExtendExact, ASeedOutsideThePerfectionOfTheUserLeavesItsSpanOpen) {
   search_only(2);
   global_max_perfection = 99.0F;
   EXPECT_EQ(ExtendedRepeats(kTwoHalves).spans().size(), 25U);
+}
+
+// 4 points on the left, N in the place of A, -5 for G in the place of C, 7 points on the right: 6
+// from each of the five starts on the left and on the right, where the unit at the very end of the
+// sequence is none.
+TEST_F(ExtendExact, AnNBehindASeedIsBridgedBeforeItsFirstEdit) {
+  search_only(2);
+  const ExtendedRepeats found("ACACACNGACACACA");
+  EXPECT_THAT(found.spans(), SizeIs(10));
+  EXPECT_THAT(found.spans(), Each(AllOf(Field(&Span::left, 0), Field(&Span::right, 15))));
 }
 
 TEST_F(ExtendExact, NAtTheEndsOfAnExtendedSeedIsTrimmed) {
