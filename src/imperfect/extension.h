@@ -16,8 +16,8 @@ namespace vorlan {
 /// Extends `sat` in one direction, up to `stop`, the end of the record or its first residue, and
 /// leaves the best alignment found in `sat`, its events unsorted.
 ///
-/// Stretches of stored ways are passed over: their edits are counted, but stand in `passed_over`
-/// instead of in the events of `sat`.
+/// Stretches of stored ways are passed over: their edits are counted, but stand in `passed_over`,
+/// which must be empty, instead of in the events of `sat`.
 ///
 /// An alignment that ends with less than `least_score` need not be the best one: only that its
 /// score is less is right then.

@@ -50,7 +50,7 @@ class WayFollower {
     if (now.totals.score < lowest_score_) return true;
     const NodeId first = node_of(now.front, now.totals);
     const ExtensionState start = now;
-    segments_.resize(start.way.segments);
+    assert(segments_.size() == start.way.segments);
     segments_.push_back({first, first});
     for (;;) {
       const WayEnd end = forest_.follow(first, start.totals, lowest_score_, best.totals.score);

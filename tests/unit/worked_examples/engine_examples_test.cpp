@@ -136,9 +136,9 @@ TEST_F(EngineExamples, WayForestH) {
   const std::uint32_t T = 32;
   const std::uint32_t G = 38;
   RecordSearch record({dna.at(0), dna.residues.size}, 3, SeedKind::kUnit, {});
-  std::vector<WaySegment> passed_over;
   const auto extend_from = [&](int start) {
     Csat sat;
+    std::vector<WaySegment> passed_over;
     sat.init(dna.at(start), dna.at(start + 2));
     extend<Forward>(sat, dna.end(), record, passed_over);
     return sat.score;
