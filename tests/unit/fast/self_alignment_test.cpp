@@ -71,6 +71,32 @@ std::string random_sequence(Random& random, unsigned unit_length) {
   return residues;
 }
 
+// Unit length 100, bonus 5/4, penalties 5, longer repeats preferred: f = 1 - 100 - 1 = -100, T =
+// 125 - 100 = 25 points. All in quarters of a point.
+TEST_F(SelfAlignmentTest, TheNumbersOfTheBoundAreThoseOfTheProof) {
+  constexpr unsigned kLength = 100;
+  constexpr int kMuch = 1'000'000;
+  global_prefer_longer_repeat = 1;
+  const FirstCopyBound bound = current_bound(kLength);
+  // T * (1 + b) / (2 + b) = 25 * 9/13 = 17 4/13 points; min_score * (1 + b) / 2 = 8 * 9/8 = 9.
+  EXPECT_EQ(bound.wanted(kLength, kMuch), 69);
+  EXPECT_EQ(bound.wanted(kLength, 8), 36);
+
+  const AlignmentCosts costs = bound.costs();
+  EXPECT_EQ(costs.match, 4 + 5);
+  EXPECT_EQ(costs.mismatch, 20 - 5);
+  EXPECT_EQ(costs.insertion, 20);
+  EXPECT_EQ(costs.deletion, 20 - 5);
+
+  // b * (u - n). Ten deletions consume ten unit bases, which pay for them: n = 10. Thirty edits
+  // cost 150 points, 42 more than the 100 below zero and the 8 that the other side has gained: as
+  // many matches are consumed as well.
+  EXPECT_EQ(bound.cap(100, kLength, kMuch), 5 * 100);
+  EXPECT_EQ(bound.cap(90, kLength, kMuch), 5 * 90);
+  EXPECT_EQ(bound.cap(70, kLength, kMuch), 5 * (100 - 30 - 42));
+  EXPECT_EQ(bound.cap(130, kLength, kMuch), 5 * (100 - 42));
+}
+
 TEST_F(SelfAlignmentTest, EveryKernelAgreesWithThePlainCells) {
   std::size_t surviving = 0;
   std::size_t rejected = 0;
