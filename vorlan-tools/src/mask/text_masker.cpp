@@ -9,6 +9,8 @@
 #include <string_view>
 
 #include "errors.h"
+#include "fasta/bases.h"
+#include "fasta/line_part.h"
 
 namespace vorlan_tools {
 
@@ -30,34 +32,11 @@ constexpr std::array<ByteKind, 256> byte_kinds() {
 
 constexpr std::array<ByteKind, 256> kByteKinds = byte_kinds();
 
-constexpr char kCaseBit = 0x20;
-
 bool is_letter(char byte) { return byte != '?'; }
 char lower(char residue) {
   return is_letter(residue) ? static_cast<char>(residue | kCaseBit) : residue;
 }
-char upper(char residue) {
-  return is_letter(residue) ? static_cast<char>(residue & ~kCaseBit) : residue;
-}
-
-/// Bytes in front of the first carriage return or line feed.
-std::ptrdiff_t line_length(const char* begin, const char* end) {
-  const auto size = static_cast<std::size_t>(end - begin);
-  const std::string_view text(begin, size);
-  const std::string_view line = text.substr(0, text.find('\n'));
-  return static_cast<std::ptrdiff_t>(std::min(line.size(), line.find('\r')));
-}
-
-/// Whether all bytes are residues, as in nearly every line. Without a way out the loop needs a
-/// cycle for each byte.
-bool holds_only_residues(const char* begin, const char* end) {
-  static_assert(static_cast<unsigned>(ByteKind::kResidue) == 0);
-  unsigned kinds = 0;
-  for (; begin != end; ++begin) {
-    kinds |= static_cast<unsigned>(kByteKinds[static_cast<unsigned char>(*begin)]);
-  }
-  return kinds == 0;
-}
+char upper(char residue) { return is_letter(residue) ? upper_case(residue) : residue; }
 
 }  // namespace
 
@@ -110,9 +89,10 @@ void TextMasker::take_first(char byte) {
 }
 
 char* TextMasker::take_residues(char* begin, const char* end) {
-  char* const line_end = begin + line_length(begin, end);
+  const std::string_view part = line_part({begin, static_cast<std::size_t>(end - begin)});
+  char* const line_end = begin + part.size();
   at_line_start_ = after_cr_ = false;
-  if (holds_only_residues(begin, line_end)) {
+  if (holds_only_plain_lines(part)) {
     mask_residues(begin, line_end);
     return line_end;
   }
