@@ -4,6 +4,7 @@
 #include "io/output_file.h"
 
 #include <htslib/bgzf.h>
+#include <htslib/hfile.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -39,8 +40,10 @@ OutputFile::~OutputFile() {
   if (bgzf_ != nullptr) bgzf_close(bgzf_);
 }
 
+// Another thread may have written, which has an errno of its own.
 void OutputFile::fail() const {
-  throw DataError("Cannot write " + pending_.name() + ": " + std::strerror(errno) + ".");
+  const int reason = bgzf_ != nullptr && herrno(bgzf_->fp) != 0 ? herrno(bgzf_->fp) : errno;
+  throw DataError("Cannot write " + pending_.name() + ": " + std::strerror(reason) + ".");
 }
 
 void OutputFile::write(std::string_view bytes) {
@@ -76,6 +79,7 @@ void OutputFile::flush() {
 
 void OutputFile::close() {
   if (bgzf_ != nullptr) {
+    flush();
     BGZF* const file = bgzf_;
     bgzf_ = nullptr;
     // Where the last bytes cannot be written, htslib 1.16 frees nothing and has no call that would:

@@ -75,7 +75,7 @@ void commit_with_index(const Masking& masking, OutputFile& output) {
 
 void mask_genome(const Masking& masking) {
   check(masking);
-  OutputFile output(masking.output, masking.compression);
+  OutputFile output(masking.output, masking.compression, masking.threads);
   copy_masked(masking, output);
   output.close();
   if (masking.write_index) {

@@ -200,6 +200,44 @@ class Outputs(MaskTest):
         self.assertEqual(gzip.decompress(self.mask("-O", "z")), self.expected)
 
 
+class Threads(MaskTest):
+    def setUp(self) -> None:
+        """Many blocks of 64 kB, which is what each thread compresses at once."""
+        super().setUp()
+        source = random.Random(SEED)
+        residues = bytes(source.choices(b"ACGTacgt", k=1_200_000))
+        lines = [residues[at:at + WIDTH] for at in range(0, len(residues), WIDTH)]
+        self.write("in.fa", b">a\n%s\n>b\n%s\n" % (b"\n".join(lines[:9000]), b"\n".join(lines[9000:])))
+        self.report("--minScore", "12")
+
+    def test_the_same_bytes_with_any_number(self) -> None:
+        files = ("out.gz", "out.gz.fai", "out.gz.gzi")
+        self.mask("-o", "out.gz", "--write-index")
+        alone = {name: self.take(name) for name in files}
+        self.assertGreater(len(alone["out.gz.gzi"]), 8 + 15 * 16)
+        for threads in ("1", "2", "3", "8"):
+            self.mask("-o", "out.gz", "--write-index", "-@", threads)
+            self.assertEqual({name: self.take(name) for name in files}, alone, threads)
+            self.assertEqual(self.mask("-O", "z", "--threads", threads), alone["out.gz"])
+        plain = self.mask()
+        self.assertEqual(gzip.decompress(alone["out.gz"]), plain)
+        self.assertEqual(self.mask("-@", "3"), plain)
+
+    def test_a_full_disk(self) -> None:
+        with open("/dev/full", "wb") as full:
+            outcome = self.tools("mask", "report", "-g", "in.fa", "-O", "z", "-@", "3", stdout=full)
+        self.assert_refused(outcome, 1, "No space left")
+
+    def test_a_genome_that_ends_too_early(self) -> None:
+        self.write("in.fa", self.read("in.fa")[:-100])
+        outcome = self.tools("mask", "report", "-g", "in.fa", "-o", "out.gz", "-@", "3")
+        self.assert_refused(outcome, 1, "bases in the report")
+        self.assertEqual(self.names(), {"in.fa", "report", "tmp"})
+
+    def test_no_thread(self) -> None:
+        self.assert_refused(self.tools("mask", "report", "-g", "in.fa", "-@", "0"), 2, "--threads")
+
+
 class Refusals(MaskTest):
     def refuse(self, words: str, *arguments: str, status: int = 1, **options) -> None:
         before = self.names()
