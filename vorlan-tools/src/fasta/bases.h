@@ -41,7 +41,7 @@ constexpr bool holds_only_bases_or_ns(std::string_view text) {
 
 constexpr char kCaseBit = 0x20;
 
-/// Of a letter.
+/// Of a letter; a line feed stays one.
 constexpr char upper_case(char letter) { return static_cast<char>(letter & ~kCaseBit); }
 
 /// Whether nothing but A, C, G, T and N, in upper or lower case, and line feeds stand there, as in

@@ -10,7 +10,7 @@
 
 #include "errors.h"
 #include "fasta/bases.h"
-#include "fasta/line_part.h"
+#include "fasta/lines.h"
 #include "io/open_input.h"
 
 namespace vorlan_tools {
@@ -124,15 +124,6 @@ void FastaReader::read_residues() {
   pass_residues<true>();
 }
 
-/// Lines that lie in the buffer in front of the next record, looked at together; none if the first
-/// one does not end there. The byte behind them lies there too: it may belong to their line end.
-std::string_view FastaReader::whole_lines() const {
-  constexpr std::size_t kMost = std::size_t{16} * 1024;
-  const std::string_view ahead(buffer_.data() + begin_, std::min(end_ - begin_ - 1, kMost));
-  const std::string_view lines = ahead.substr(0, ahead.find('>'));
-  return lines.substr(0, lines.find_last_of("\r\n") + 1);
-}
-
 template <bool kKeep>
 void FastaReader::pass_plain_lines(std::string_view lines) {
   begin_ += lines.size();
@@ -183,7 +174,8 @@ template <bool kKeep>
 void FastaReader::pass_residues() {
   residues_are_ahead_ = false;
   while (peek() != kEnd && peek() != '>') {
-    const std::string_view lines = whole_lines();
+    // The last byte in the buffer may be half of a line end.
+    const std::string_view lines = whole_lines({buffer_.data() + begin_, end_ - begin_ - 1});
     if (lines.empty()) {
       pass_line<kKeep>();
     } else if (holds_only_plain_lines(lines)) {

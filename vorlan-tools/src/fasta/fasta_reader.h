@@ -62,7 +62,6 @@ class FastaReader {
   int peek();
   void skip_before_records();
   void read_header_line();
-  std::string_view whole_lines() const;
   template <bool kKeep>
   void pass_plain_lines(std::string_view lines);
   template <bool kKeep>

@@ -138,6 +138,30 @@ class AgainstTheDefinition(MaskTest):
                             self.assertEqual(self.mask(*flags), masked_slowly(text, spans, hard, keeps))
         self.assertGreater(masked, 50)
 
+    def test_many_lines_with_a_few_that_are_not_plain(self) -> None:
+        """Far more than is looked at together; few repeats, since the definition is slow."""
+        settings = ["--minScore", "12", "--minUnitLen", "2"]
+        for line_ends in ([b"\n"], [b"\n"] * 400 + [b"\r\n", b"\r", b"\n\n"], [b"\r\n"], [b"\r"]):
+            source = random.Random(SEED)
+            text = bytearray()
+            for name in b"abc":
+                text += b">%c x\n" % name
+                for number in range(700):
+                    line = bytearray(source.choices(b"ACGTacgtN", k=source.choice([60] * 20 + [0, 1, 200, 20_000])
+                                                    if number % 100 == 0 else 60))
+                    if number % 50 == 7:
+                        line[source.choice([0, 30, 40]):] = b"CAca" * 6
+                    if source.randrange(300) == 0:
+                        line[20:20] = source.choice([b"-", b"*", b"R", b" ", b"?", b"ACACACACACACACAC*ACACACACACACACA"])
+                    text += bytes(line) + source.choice(line_ends)
+            self.write("in.fa", bytes(text))
+            spans = spans_of(self.vorlan(*settings, "--printRepeatSeqMode", "0", "in.fa").stdout)
+            self.assertGreater(sum(map(len, spans)), 30)
+            self.report(*settings)
+            for hard, keeps in ((False, False), (False, True), (True, False)):
+                flags = ["--hard"] * hard + ["--keep-lower-case"] * keeps
+                self.assertEqual(self.mask(*flags), masked_slowly(bytes(text), spans, hard, keeps), (line_ends, flags))
+
     def test_repeats_within_repeats(self) -> None:
         text = random_genome(b"ACGT")
         self.write("in.fa", text)
