@@ -5,7 +5,6 @@
 
 #include <htslib/bgzf.h>
 
-#include <cstring>
 #include <string_view>
 
 #include "errors.h"
@@ -64,13 +63,6 @@ bool LineReader::refill() {
   return count > 0;
 }
 
-bool LineReader::find_line_end() {
-  const void* const found = std::memchr(buffer_.data() + begin_, '\n', end_ - begin_);
-  if (found == nullptr) return find_line_end_behind(end_ - begin_);
-  line_end_ = static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
-  return true;
-}
-
 /// Behind the first `searched` bytes, which are all that the buffer holds.
 bool LineReader::find_line_end_behind(std::size_t searched) {
   while (refill()) {
@@ -84,22 +76,6 @@ bool LineReader::find_line_end_behind(std::size_t searched) {
   }
   line_end_ = end_;
   return end_ > begin_;
-}
-
-bool LineReader::peek(std::string_view& line) {
-  if (!find_line_end()) return false;
-  line = {buffer_.data() + begin_, line_end_ - begin_};
-  return true;
-}
-
-bool LineReader::next(std::string_view& line) {
-  if (!peek(line)) return false;
-  line_was_ended_ = line_end_ < end_;
-  const std::size_t size = line.size() + (line_was_ended_ ? 1 : 0);
-  begin_ += size;
-  bytes_delivered_ += size;
-  ++line_number_;
-  return true;
 }
 
 void LineReader::pass_lines(std::size_t size) {
