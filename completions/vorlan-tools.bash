@@ -17,7 +17,7 @@ declare -gA _vorlan_tools_options=(
   [convert]='-t --to -o --output -O --output-type --write-index --sort --cut-names --calibration -@ --threads
     --unit-length --min-perfection --min-length --min-copies -h --help'
   [count]='-l --loci -g --genome -o --output --flank --max-length -h --help'
-  [mask]='-g --genome -o --output -O --output-type --hard --keep-lower-case --write-index -h --help'
+  [mask]='-g --genome -o --output -O --output-type -@ --threads --hard --keep-lower-case --write-index -h --help'
   [merge]='-o --output --input --slices --masked -h --help'
   [monomers]='-g --genome -o --output -t --to --begin --unit-length --min-perfection
     --min-length --min-copies -h --help'
@@ -75,6 +75,8 @@ declare -gA _vorlan_tools_values=(
   [count --max-length]=''
   [mask -O]='z u'
   [mask --output-type]='z u'
+  [mask -@]=''
+  [mask --threads]=''
   [monomers -t]='bed fasta'
   [monomers --to]='bed fasta'
   [monomers --begin]=''

@@ -20,6 +20,12 @@ bool is_match(char base, char sign, char expected) {
   return sign == '|' && base == expected && is_base(base);
 }
 
+/// Whether all columns show a match, as in most repeats: many columns are looked at at once.
+bool matches_everywhere(const Repeat& repeat) {
+  return repeat.sequence_line == repeat.unit_line && holds_only<'|'>(repeat.match_line) &&
+         holds_only_bases(repeat.sequence_line);
+}
+
 /// What a column shows; kImpossible for what none can show.
 Column column_of(char base, char sign, char expected) {
   if (is_match(base, sign, expected)) return Column::kMatch;
@@ -203,6 +209,11 @@ std::string_view without_gaps(std::string_view line, std::string& ungapped) {
 std::optional<AlignmentFacts> read_alignment(const Repeat& repeat, const Settings& settings,
                                              Findings& findings) {
   AlignmentFacts facts;
+  if (matches_everywhere(repeat)) {
+    facts.bases = facts.length = static_cast<std::int64_t>(repeat.sequence_line.size());
+    find_period(repeat, facts, findings);
+    return facts;
+  }
   const std::uint64_t line = first_alignment_line(repeat);
   Column column = Column::kMatch;
   for (std::size_t i = 0; i < repeat.sequence_line.size(); ++i) {

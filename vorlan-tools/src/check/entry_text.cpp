@@ -3,9 +3,7 @@
 
 #include "check/entry_text.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <string>
 #include <string_view>
 
@@ -15,23 +13,21 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::string_view kBlanks = "         ";
-
-/// Blanks in front of the number until it has the width, which is at most that of kBlanks.
 void append_padded(RowText& text, std::int64_t number, std::size_t width) {
-  std::array<char, 33> field;
-  char* const digits = std::copy(kBlanks.begin(), kBlanks.end(), field.begin());
-  const char* const end = std::to_chars(digits, field.end(), number).ptr;
-  const auto size = static_cast<std::size_t>(end - digits);
-  const std::size_t blanks = width - std::min(width, size);
-  text += {digits - blanks, blanks + size};
+  text.append_padded(number, width);
 }
 
 void append_padded_thousandths(RowText& text, Thousandths value, std::size_t width) {
-  std::string shown;
+  constexpr std::size_t kFraction = 4;
+  if (value >= 0) {
+    text.append_padded(value / 1000, width - kFraction);
+    append_fraction(text, static_cast<unsigned>(value % 1000));
+    return;
+  }
+  RowText shown;
   append_thousandths(shown, value);
-  text += kBlanks.substr(0, width - std::min(width, shown.size()));
-  text += shown;
+  for (std::size_t size = shown.size(); size < width; ++size) text += ' ';
+  text += shown.view();
 }
 
 void append_label(RowText& text, std::int64_t unit_length) {

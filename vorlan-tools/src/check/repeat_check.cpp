@@ -25,13 +25,6 @@ bool shows_flanks(const Settings& settings) {
   return settings.format != Format::kGff;
 }
 
-/// Without a way out, like holds_only_bases().
-bool is_stretch_of_bases(std::string_view text) {
-  bool is_so = true;
-  for (const char c : text) is_so &= is_base(c) || c == 'N';
-  return is_so;
-}
-
 std::int64_t size_of(std::string_view text) { return static_cast<std::int64_t>(text.size()); }
 
 std::int64_t count_ns(std::string_view bases) {
@@ -81,7 +74,7 @@ void RepeatCheck::run(const Sequence& sequence, const Repeat& repeat,
     check_stated(repeat, bases);
     check_unit_by_distance(repeat, bases);
   }
-  check_unit(repeat, facts ? std::string_view(facts->motif) : std::string_view());
+  unit_check_.run(repeat, facts ? std::string_view(facts->motif) : std::string_view());
   check_selection(repeat);
   check_layout(sequence, repeat);
 }
@@ -106,7 +99,7 @@ void RepeatCheck::check_flanks(const Sequence& sequence, const Repeat& repeat) {
     findings_.expect(repeat.line, "length of the right flank", size_of(repeat.right_flank),
                      std::min(flanking, *sequence.length - repeat.end));
   }
-  if (!is_stretch_of_bases(repeat.left_flank) || !is_stretch_of_bases(repeat.right_flank)) {
+  if (!holds_only_bases_or_ns(repeat.left_flank) || !holds_only_bases_or_ns(repeat.right_flank)) {
     add(repeat, "a flank holds something else than bases");
   }
 }
@@ -253,7 +246,7 @@ void RepeatCheck::check_shares(const Repeat& repeat) {
 }
 
 void RepeatCheck::check_ns(const Repeat& repeat, std::string_view bases) {
-  if (!is_stretch_of_bases(bases)) add(repeat, "the repeat holds something else than bases");
+  if (!holds_only_bases_or_ns(bases)) add(repeat, "the repeat holds something else than bases");
   const bool shows_bases = repeat.has_alignment() || !repeat.residues.empty();
   if (shows_bases && size_of(bases) != repeat.bases) {
     findings_.add(repeat.last_line, "the number of bases shown is " + std::to_string(bases.size()) +
@@ -269,31 +262,6 @@ void RepeatCheck::check_ns(const Repeat& repeat, std::string_view bases) {
   }
   if (repeat.ns && !bases.empty())
     findings_.expect(repeat.line, "the number of Ns", *repeat.ns, has_ns ? count_ns(bases) : 0);
-}
-
-void RepeatCheck::check_unit(const Repeat& repeat, std::string_view motif) {
-  const std::int64_t length = repeat.unit_length;
-  if (length < settings_.min_unit_length || length > settings_.max_unit_length) {
-    add(repeat, "the unit length " + std::to_string(length) + " lies outside the range of the run");
-  }
-  if (!motif.empty() && !is_primitive(motif))
-    add(repeat, "the unit is a repetition of a shorter one");
-  const bool is_dotted = settings_.format == Format::kGff && repeat.unit.empty();
-  constexpr std::int64_t kLongestUnitInGff = 50;
-  if (settings_.format == Format::kGff && is_dotted != (length > kLongestUnitInGff)) {
-    add(repeat, "the unit is shown as '.' for units of more than 50 bases, and only for them");
-  }
-  if (settings_.format == Format::kFasta || is_dotted) return;
-  const std::string& unit = repeat.unit;
-  if (size_of(unit) != length || !holds_only_bases(unit)) {
-    add(repeat, "the unit \"" + unit + "\" is no stretch of " + std::to_string(length) + " bases");
-    return;
-  }
-  if (!is_primitive(unit)) add(repeat, "the unit " + unit + " is a repetition of a shorter one");
-  const std::string_view source = motif.empty() ? std::string_view(unit) : motif;
-  if (!fits_motif(unit, source, settings_.unit_mode)) {
-    add(repeat, "the unit is " + unit + ", must be " + shown_unit(source, settings_.unit_mode));
-  }
 }
 
 void RepeatCheck::check_selection(const Repeat& repeat) {

@@ -9,6 +9,7 @@
 
 #include "check/alignment_check.h"
 #include "check/findings.h"
+#include "check/unit_check.h"
 #include "convert/row_text.h"
 #include "report/repeat.h"
 #include "report/settings.h"
@@ -21,7 +22,7 @@ namespace vorlan_tools {
 class RepeatCheck {
  public:
   RepeatCheck(const Settings& settings, Findings& findings)
-      : settings_(settings), findings_(findings) {}
+      : settings_(settings), findings_(findings), unit_check_(settings, findings) {}
 
   /// `residues` are those of the whole sequence, absent if they are not known.
   void run(const Sequence& sequence, const Repeat& repeat,
@@ -43,7 +44,6 @@ class RepeatCheck {
   void check_shares(const Repeat& repeat);
   void check_unit_by_distance(const Repeat& repeat, std::string_view bases);
   void check_ns(const Repeat& repeat, std::string_view bases);
-  void check_unit(const Repeat& repeat, std::string_view motif);
   void check_selection(const Repeat& repeat);
   void check_layout(const Sequence& sequence, const Repeat& repeat);
 
@@ -53,6 +53,7 @@ class RepeatCheck {
   Findings& findings_;
   std::string ungapped_;
   RowText layout_;
+  UnitCheck unit_check_;
 };
 
 }  // namespace vorlan_tools

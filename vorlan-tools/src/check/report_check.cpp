@@ -36,14 +36,13 @@ class Input {
   const FastaReader& record() const { return fasta_; }
 
   /// Residues of the current record, once it has been taken.
-  std::string_view residues() const { return residues_; }
+  std::string_view residues() const { return fasta_.residues(); }
 
   /// Reads the residues and moves on to the header of the next record.
   void take() {
     taken_header_ = fasta_.header();
     taken_name_ = fasta_.sequence_name();
     fasta_.read_residues();
-    residues_ = fasta_.residues();
     has_record_ = fasta_.next_header();
   }
 
@@ -56,7 +55,6 @@ class Input {
   FastaReader fasta_;
   const Settings& settings_;
   bool has_record_ = false;
-  std::string residues_;
   std::string taken_header_;
   std::string taken_name_;
 };

@@ -52,8 +52,7 @@ void add_writing_options(CLI::App& command, ConvertOptions& options) {
                    "End the names of sequences at their first tab, as samtools faidx does");
   command.add_option("--calibration", conversion.calibration,
                      "Add the share of false repeats, from a file of calibrate --json");
-  command.add_option("-@,--threads", conversion.threads, "Threads that compress (default 1)")
-      ->check(CLI::Range(1, 256));
+  add_thread_option(command, conversion.threads);
 }
 
 }  // namespace

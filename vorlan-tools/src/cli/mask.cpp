@@ -27,6 +27,7 @@ void add_mask(CLI::App& app, Action& action) {
   command->add_option("-g,--genome", masking.fasta, "FASTA file that the report was made from")
       ->required();
   add_output_options(*command, masking.output, choices->output_type);
+  add_thread_option(*command, masking.threads);
   command->add_flag("--hard", masking.style.is_hard, "Write N instead of lower case");
   command->add_flag("--keep-lower-case", masking.style.keeps_lower_case,
                     "Leave what was lower case before (default: upper case but for repeats)");

@@ -19,6 +19,12 @@ void add_output_options(CLI::App& command, std::string& output, std::string& typ
       ->check(CLI::IsMember({"z", "u"}));
 }
 
+void add_thread_option(CLI::App& command, int& threads) {
+  constexpr int kMostThreads = 256;
+  command.add_option("-@,--threads", threads, "Threads that compress (default 1)")
+      ->check(CLI::Range(1, kMostThreads));
+}
+
 Compression compression_of(const std::string& output, const std::string& type) {
   if (type.empty()) return compression_by_name(output);
   return type == "z" ? Compression::kBgzip : Compression::kPlain;

@@ -14,6 +14,9 @@ namespace vorlan_tools {
 /// if -O is not given.
 void add_output_options(CLI::App& command, std::string& output, std::string& type);
 
+/// Adds -@. `threads`, as it stands, is the default.
+void add_thread_option(CLI::App& command, int& threads);
+
 /// -O decides; without it, the name decides (compression_by_name()).
 Compression compression_of(const std::string& output, const std::string& type);
 

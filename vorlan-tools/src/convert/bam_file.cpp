@@ -4,8 +4,11 @@
 #include <htslib/hfile.h>
 #include <htslib/sam.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "convert/alignment_strings.h"
@@ -113,18 +116,20 @@ class RecordWriter {
     set_cigar(repeat);
     query_.clear();
     append_query(query_, repeat);
+    set_tags(repeat);
     bam1_t* const record = file_.record();
     const int result = bam_set1(record, name_.size(), name_.view().data(), 0, sequence,
                                 repeat.start - 1, kNoQuality, cigar_.size(), cigar_.data(), -1, -1,
-                                0, query_.size(), query_.view().data(), nullptr, kTagSpace);
+                                0, query_.size(), query_.view().data(), nullptr, tags_.size());
     if (result < 0) throw DataError("A repeat is too long for this target.");
-    add_tags(repeat);
+    // bam_set1() has made room for them.
+    std::memcpy(record->data + record->l_data, tags_.view().data(), tags_.size());
+    record->l_data += static_cast<int>(tags_.size());
     file_.write();
   }
 
  private:
   static constexpr std::uint8_t kNoQuality = 255;
-  static constexpr std::size_t kTagSpace = 128;
 
   void set_cigar(const Repeat& repeat) {
     cigar_.clear();
@@ -135,33 +140,36 @@ class RecordWriter {
     });
   }
 
-  void add(const char* tag, char type, const void* data, std::size_t size) {
-    if (bam_aux_append(file_.record(), tag, type, static_cast<int>(size),
-                       static_cast<const std::uint8_t*>(data)) != 0) {
-      throw DataError("A repeat is too long for this target.");
-    }
+  /// Tags lie in a record as in the file: two letters, one for the type, the value. Put together
+  /// here, they take half the time of bam_aux_append().
+  template <typename Value>
+  void add(std::string_view tag, char type, Value value) {
+    std::array<char, sizeof value> bytes;
+    std::memcpy(bytes.data(), &value, sizeof value);
+    ((tags_ += tag) += type) += {bytes.data(), bytes.size()};
   }
 
-  void add_number(const char* tag, std::int64_t number) {
-    const auto value = static_cast<std::int32_t>(number);
-    add(tag, 'i', &value, sizeof value);
+  /// In the smallest type that holds the number, as samtools writes them.
+  void add_number(std::string_view tag, std::int64_t number) {
+    if (number >= 0 && number <= UINT8_MAX) return add(tag, 'C', static_cast<std::uint8_t>(number));
+    if (number >= 0 && number <= UINT16_MAX)
+      return add(tag, 'S', static_cast<std::uint16_t>(number));
+    add(tag, 'i', static_cast<std::int32_t>(number));
   }
 
-  void add_text(const char* tag, const std::string& text) {
-    if (!text.empty()) add(tag, 'Z', text.c_str(), text.size() + 1);
+  void add_text(std::string_view tag, const std::string& text) {
+    if (!text.empty()) (((tags_ += tag) += 'Z') += text) += '\0';
   }
 
-  void add_thousandths(const char* tag, Thousandths thousandths) {
-    const auto value = static_cast<float>(static_cast<double>(thousandths) / 1000.0);
-    add(tag, 'f', &value, sizeof value);
+  void add_thousandths(std::string_view tag, Thousandths thousandths) {
+    add(tag, 'f', static_cast<float>(static_cast<double>(thousandths) / 1000.0));
   }
 
-  void add_tags(const Repeat& repeat) {
+  void set_tags(const Repeat& repeat) {
+    tags_.clear();
     add_number("NM", edits_);
-    difference_.clear();
-    append_md(difference_, repeat);
-    difference_ += '\0';
-    add("MD", 'Z', difference_.view().data(), difference_.size());
+    append_md(tags_ += "MDZ", repeat);
+    tags_ += '\0';
     add_number("AS", repeat.score.value_or(0));
     add_number("ul", repeat.unit_length);
     add_text("un", repeat.unit);
@@ -174,7 +182,7 @@ class RecordWriter {
   AlignmentFile& file_;
   RowText name_;
   RowText query_;
-  RowText difference_;  ///< MD
+  RowText tags_;
   std::string motif_;
   std::vector<std::uint32_t> cigar_;
   std::int64_t edits_ = 0;

@@ -51,13 +51,17 @@ class RowWriter {
     if (conversion.sort) sorted_.emplace();
   }
 
-  void write_head(std::string_view text) { output_.write(text); }
+  /// Where the next row is to be appended, behind others that are not yet written.
+  RowText& text() { return text_; }
 
-  void write(std::string_view name, std::int64_t start, std::int64_t end, std::string_view row) {
+  void end_head() { write_text(); }
+
+  void end_row(std::string_view name, std::int64_t start, std::int64_t end) {
     if (sorted_) {
-      sorted_->add(name, start, end, row);
-    } else {
-      output_.write(row);
+      sorted_->add(name, start, end, text_.view());
+      text_.clear();
+    } else if (text_.size() >= OutputFile::kBufferSize) {
+      write_text();
     }
     if (!must_index_) return;
     if (!sorted_) order_.add(name, start, end);
@@ -65,6 +69,7 @@ class RowWriter {
   }
 
   void finish(const Conversion& conversion) {
+    write_text();
     if (sorted_) sorted_->write_to(output_);
     if (!must_index_) {
       output_.finish();
@@ -75,7 +80,13 @@ class RowWriter {
   }
 
  private:
+  void write_text() {
+    output_.write(text_.view());
+    text_.clear();
+  }
+
   OutputFile output_;
+  RowText text_;
   bool must_index_;
   std::optional<SortedRows> sorted_;
   IndexOrder order_;
@@ -100,9 +111,8 @@ std::vector<ListedSequence> written_sequences(const RereadableInput& input,
 void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& report,
                 const std::vector<ListedSequence>& sequences) {
   RowWriter writer(conversion);
-  RowText text;
-  format.append_head(text, report.head(), sequences);
-  writer.write_head(text.view());
+  format.append_head(writer.text(), report.head(), sequences);
+  writer.end_head();
   std::string name;
   bool is_begun = false;
   for (auto item = report.next(); item != ReportReader::Item::kEnd; item = report.next()) {
@@ -115,9 +125,8 @@ void write_rows(const Conversion& conversion, RowFormat& format, ReportReader& r
     if (!conversion.filter.keeps(repeat)) continue;
     if (!is_begun) format.begin_sequence(report.sequence(), name);
     is_begun = true;
-    text.clear();
-    format.append_repeat(text, repeat);
-    writer.write(name, repeat.start, repeat.end, text.view());
+    format.append_repeat(writer.text(), repeat);
+    writer.end_row(name, repeat.start, repeat.end);
   }
   writer.finish(conversion);
 }

@@ -53,12 +53,39 @@ class RowText {
     return *this;
   }
 
+  /// With blanks in front until there are `width` bytes; from 1 to kWidest.
+  RowText& append_padded(std::int64_t number, std::size_t width) {
+    char* const begin = room(kWidest);
+    std::memset(begin, ' ', kWidest);
+    char* at = begin + width;
+    auto rest = static_cast<std::uint64_t>(number);
+    do {
+      *--at = static_cast<char>('0' + rest % 10);
+      rest /= 10;
+    } while (rest > 0 && at != begin);
+    if (rest > 0) [[unlikely]]
+      return append_wide(number, width);
+    size_ += width;
+    return *this;
+  }
+
+  static constexpr std::size_t kWidest = 16;
+
  private:
   /// The end of the text, with room for `count` more bytes.
   char* room(std::size_t count) {
     if (bytes_.size() - size_ < count) [[unlikely]]
       grow(count);
     return bytes_.data() + size_;
+  }
+
+  /// The same for what is negative or has more digits than that.
+  [[gnu::noinline]] RowText& append_wide(std::int64_t number, std::size_t width) {
+    char digits[24];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    const auto count = static_cast<std::size_t>(end - digits);
+    for (std::size_t size = count; size < width; ++size) *this += ' ';
+    return *this += {digits, count};
   }
 
   /// Rare, and so kept out of the callers.

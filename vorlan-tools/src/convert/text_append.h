@@ -24,6 +24,15 @@ inline void append_number(std::string& text, std::int64_t number) {
 
 inline void append_number(RowText& text, std::int64_t number) { text.append_digits(number); }
 
+/// A point and three decimals.
+template <typename Text>
+void append_fraction(Text& text, unsigned thousandths) {
+  text += '.';
+  text += static_cast<char>('0' + thousandths / 100);
+  text += static_cast<char>('0' + thousandths / 10 % 10);
+  text += static_cast<char>('0' + thousandths % 10);
+}
+
 /// With three decimals, as the report prints a perfection.
 template <typename Text>
 void append_thousandths(Text& text, Thousandths value) {
@@ -31,11 +40,7 @@ void append_thousandths(Text& text, Thousandths value) {
   const std::uint64_t size =
       value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
   append_number(text, static_cast<std::int64_t>(size / 1000));
-  const auto fraction = static_cast<unsigned>(size % 1000);
-  text += '.';
-  text += static_cast<char>('0' + fraction / 100);
-  text += static_cast<char>('0' + fraction / 10 % 10);
-  text += static_cast<char>('0' + fraction % 10);
+  append_fraction(text, static_cast<unsigned>(size % 1000));
 }
 
 /// As printf writes a float of that value with %g: six digits, without zeros at the end. A float

@@ -7,9 +7,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "errors.h"
+#include "fasta/bases.h"
+#include "fasta/lines.h"
 #include "io/open_input.h"
 
 namespace vorlan_tools {
@@ -57,7 +58,7 @@ FastaReader::~FastaReader() { bgzf_close(file_); }
 void FastaReader::fail(const std::string& what) const { throw LineError(name_, line_, what); }
 
 bool FastaReader::refill() {
-  const ssize_t count = bgzf_read(file_, buffer_.data(), buffer_.size());
+  const ssize_t count = read_input(file_, buffer_.data(), buffer_.size());
   if (count < 0) throw DataError("Cannot read " + name_ + ": the file is damaged or cut short.");
   begin_ = 0;
   end_ = static_cast<std::size_t>(count);
@@ -104,7 +105,6 @@ bool FastaReader::next_header() {
   get();
   read_header_line();
   ++number_;
-  residues_.clear();
   residues_are_ahead_ = true;
   return true;
 }
@@ -119,67 +119,71 @@ void FastaReader::read_header_line() {
 }
 
 void FastaReader::read_residues() {
-  if (residues_are_ahead_) pass_residues<true>();
+  if (!residues_are_ahead_) return;
+  residues_.clear();
+  pass_residues<true>();
 }
 
-/// The first line feed in the buffer, or the end of the buffer.
-std::size_t FastaReader::find_line_feed() const {
-  const void* const found = std::memchr(buffer_.data() + begin_, '\n', end_ - begin_);
-  return found == nullptr
-             ? end_
-             : static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
+template <bool kKeep>
+void FastaReader::pass_plain_lines(std::string_view lines) {
+  begin_ += lines.size();
+  const auto size = static_cast<std::ptrdiff_t>(residues_.size());
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find('\n'));
+    if (kKeep) residues_.append(line);
+    lines.remove_prefix(line.size() + 1);
+    ++line_;
+  }
+  std::transform(residues_.begin() + size, residues_.end(), residues_.begin() + size, upper_case);
 }
 
-/// Most lines lie in the buffer and hold nothing but residues: these are taken at once, by a loop
-/// without a way out, which needs a cycle for each byte. Of other lines, what stands in front of
-/// the first other byte is taken.
+/// Takes what lies in the buffer of the line, up to a byte that is no residue.
 template <bool kKeep>
 void FastaReader::pass_letters() {
+  const std::string_view part = line_part({buffer_.data() + begin_, end_ - begin_});
   const std::size_t size = residues_.size();
-  const std::size_t line_end = find_line_feed();
-  const std::string_view line(buffer_.data() + begin_, line_end - begin_);
-  if (kKeep) residues_.append(line);
-  char* const kept = residues_.data() + size;
-  bool is_plain = true;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const char residue = kResidues[static_cast<unsigned char>(line[i])];
-    if (kKeep) kept[i] = residue;
-    is_plain &= residue > kMalformed;
+  if (kKeep) residues_.append(part);
+  std::size_t kept = size;
+  std::size_t taken = 0;
+  for (; taken < part.size(); ++taken) {
+    const char residue = kResidues[static_cast<unsigned char>(part[taken])];
+    if (residue == kMalformed) break;
+    if (kKeep) residues_[kept] = residue;
+    kept += residue == kSkipped ? 0 : 1;
   }
-  std::size_t taken = line.size();
-  if (!is_plain) {
-    const auto is_other = [](char byte) {
-      return kResidues[static_cast<unsigned char>(byte)] <= kMalformed;
-    };
-    taken =
-        static_cast<std::size_t>(std::find_if(line.begin(), line.end(), is_other) - line.begin());
-    if (kKeep) residues_.resize(size + taken);
-  }
+  if (kKeep) residues_.resize(kept);
   begin_ += taken;
 }
 
 template <bool kKeep>
-void FastaReader::pass_residues() {
-  residues_are_ahead_ = false;
-  for (bool at_line_start = true;;) {
-    if (!at_line_start) pass_letters<kKeep>();
-    const int c = at_line_start ? peek() : get();
-    if (c == kEnd) return;
-    if (at_line_start) {
-      if (c == '>') return;
-      at_line_start = false;
-      continue;
-    }
-    if (c == '\n') {
-      at_line_start = true;
-      continue;
-    }
-    const char residue = kResidues[static_cast<std::size_t>(c)];
-    if (residue == kMalformed) {
-      if (peek() == kEnd) return;
+void FastaReader::pass_line() {
+  for (;;) {
+    pass_letters<kKeep>();
+    const int c = raw();
+    if (c != kEnd && kResidues[static_cast<std::size_t>(c)] != kMalformed) continue;
+    if (c != kEnd && get() != '\n' && peek() != kEnd) {
       fail("a residue line holds a byte that is no residue.");
     }
-    if (kKeep && residue != kSkipped) residues_ += residue;
+    return;
+  }
+}
+
+/// In nearly all genomes, nearly all lines hold nothing but plain residues: these are taken at
+/// once.
+template <bool kKeep>
+void FastaReader::pass_residues() {
+  residues_are_ahead_ = false;
+  while (peek() != kEnd && peek() != '>') {
+    // The last byte in the buffer may be half of a line end.
+    const std::string_view lines = whole_lines({buffer_.data() + begin_, end_ - begin_ - 1});
+    if (lines.empty()) {
+      pass_line<kKeep>();
+    } else if (holds_only_plain_lines(lines)) {
+      pass_plain_lines<kKeep>(lines);
+    } else {
+      const std::size_t lines_end = begin_ + lines.size();
+      while (begin_ < lines_end) pass_line<kKeep>();
+    }
   }
 }
 

@@ -45,6 +45,7 @@ class FastaReader {
   /// The header up to its first blank.
   const std::string& sequence_name() const { return sequence_name_; }
 
+  /// Of the record whose residues were read last; they stay when the next header is read.
   const std::string& residues() const { return residues_; }
 
   /// Number of the record whose header was read last, from 1.
@@ -61,9 +62,12 @@ class FastaReader {
   int peek();
   void skip_before_records();
   void read_header_line();
-  std::size_t find_line_feed() const;
+  template <bool kKeep>
+  void pass_plain_lines(std::string_view lines);
   template <bool kKeep>
   void pass_letters();
+  template <bool kKeep>
+  void pass_line();
   template <bool kKeep>
   void pass_residues();
   [[noreturn]] void fail(const std::string& what) const;

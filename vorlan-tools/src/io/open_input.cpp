@@ -17,6 +17,8 @@ namespace vorlan_tools {
 
 namespace {
 
+constexpr int kPlain = 0;
+
 int open_descriptor(const std::string& name) {
   if (name == "-") return ::dup(STDIN_FILENO);
   const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
@@ -48,6 +50,12 @@ BGZF* open_input(int descriptor, const std::string& name) {
   if (file != nullptr) return file;
   ::close(descriptor);
   throw DataError("Cannot read " + name + ": the file is empty or damaged.");
+}
+
+// bgzf_read() copies the bytes of a plain file through a buffer of its own.
+ssize_t read_input(BGZF* file, char* bytes, std::size_t size) {
+  return bgzf_compression(file) == kPlain ? bgzf_raw_read(file, bytes, size)
+                                          : bgzf_read(file, bytes, size);
 }
 
 }  // namespace vorlan_tools

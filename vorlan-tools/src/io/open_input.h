@@ -3,6 +3,9 @@
 
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstddef>
 #include <string>
 
 struct BGZF;
@@ -17,6 +20,10 @@ BGZF* open_input(const std::string& name);
 /// The same for an open descriptor, which is closed with the file or at a failure; `name` is for
 /// messages.
 BGZF* open_input(int descriptor, const std::string& name);
+
+/// The next bytes of a file that open_input() has opened, decompressed: `size` of them, or fewer at
+/// the end of the file. 0 behind the last one, negative if they cannot be read.
+ssize_t read_input(BGZF* file, char* bytes, std::size_t size);
 
 /// The name for messages: "standard input" for "-".
 std::string shown_input_name(const std::string& name);

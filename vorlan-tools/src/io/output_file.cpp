@@ -4,6 +4,7 @@
 #include "io/output_file.h"
 
 #include <htslib/bgzf.h>
+#include <htslib/hfile.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,7 +16,6 @@ namespace vorlan_tools {
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 constexpr int kBlocksInWork = 64;
 
 /// Level 1 takes a quarter of the time of the usual 6, and about a third more room.
@@ -39,8 +39,10 @@ OutputFile::~OutputFile() {
   if (bgzf_ != nullptr) bgzf_close(bgzf_);
 }
 
+// Another thread may have written, which has an errno of its own.
 void OutputFile::fail() const {
-  throw DataError("Cannot write " + pending_.name() + ": " + std::strerror(errno) + ".");
+  const int reason = bgzf_ != nullptr && herrno(bgzf_->fp) != 0 ? herrno(bgzf_->fp) : errno;
+  throw DataError("Cannot write " + pending_.name() + ": " + std::strerror(reason) + ".");
 }
 
 void OutputFile::write(std::string_view bytes) {
@@ -49,7 +51,7 @@ void OutputFile::write(std::string_view bytes) {
     return;
   }
   if (buffer_.size() + bytes.size() > kBufferSize) flush();
-  if (bytes.size() > kBufferSize) {
+  if (bytes.size() >= kBufferSize) {
     write_plain(bytes);
     return;
   }
@@ -76,6 +78,7 @@ void OutputFile::flush() {
 
 void OutputFile::close() {
   if (bgzf_ != nullptr) {
+    flush();
     BGZF* const file = bgzf_;
     bgzf_ = nullptr;
     // Where the last bytes cannot be written, htslib 1.16 frees nothing and has no call that would:

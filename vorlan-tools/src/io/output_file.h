@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,6 +21,9 @@ enum class Compression { kPlain, kBgzip };
 /// has succeeded; an output that is never finished leaves nothing behind (see PendingFile).
 class OutputFile {
  public:
+  /// Of a plain file. What is as large goes past the buffer, without a copy.
+  static constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
+
   /// `threads` compress at once (1: only this one). Throws DataError if the file cannot be created.
   OutputFile(const std::string& name, Compression compression, int threads = 1);
   ~OutputFile();

@@ -41,7 +41,7 @@ void copy_masked(const Masking& masking, OutputFile& output) {
   TextMasker masker(stretches, masking.style);
   std::vector<char> block(kBlockSize);
   ssize_t count = 0;
-  while ((count = bgzf_read(input.get(), block.data(), block.size())) > 0) {
+  while ((count = read_input(input.get(), block.data(), block.size())) > 0) {
     const auto size = static_cast<std::size_t>(count);
     masker.mask(block.data(), block.data() + size);
     output.write({block.data(), size});
@@ -75,7 +75,7 @@ void commit_with_index(const Masking& masking, OutputFile& output) {
 
 void mask_genome(const Masking& masking) {
   check(masking);
-  OutputFile output(masking.output, masking.compression);
+  OutputFile output(masking.output, masking.compression, masking.threads);
   copy_masked(masking, output);
   output.close();
   if (masking.write_index) {

@@ -15,6 +15,7 @@ struct Masking {
   std::string fasta;   ///< likewise
   std::string output = "-";
   Compression compression = Compression::kPlain;
+  int threads = 1;           ///< that compress
   bool write_index = false;  ///< .fai, and .gzi if compressed, beside the output
   MaskStyle style;
 };

@@ -9,6 +9,8 @@
 #include <string_view>
 
 #include "errors.h"
+#include "fasta/bases.h"
+#include "fasta/lines.h"
 
 namespace vorlan_tools {
 
@@ -30,34 +32,11 @@ constexpr std::array<ByteKind, 256> byte_kinds() {
 
 constexpr std::array<ByteKind, 256> kByteKinds = byte_kinds();
 
-constexpr char kCaseBit = 0x20;
-
 bool is_letter(char byte) { return byte != '?'; }
 char lower(char residue) {
   return is_letter(residue) ? static_cast<char>(residue | kCaseBit) : residue;
 }
-char upper(char residue) {
-  return is_letter(residue) ? static_cast<char>(residue & ~kCaseBit) : residue;
-}
-
-/// Bytes in front of the first carriage return or line feed.
-std::ptrdiff_t line_length(const char* begin, const char* end) {
-  const auto size = static_cast<std::size_t>(end - begin);
-  const std::string_view text(begin, size);
-  const std::string_view line = text.substr(0, text.find('\n'));
-  return static_cast<std::ptrdiff_t>(std::min(line.size(), line.find('\r')));
-}
-
-/// Whether all bytes are residues, as in nearly every line. Without a way out the loop needs a
-/// cycle for each byte.
-bool holds_only_residues(const char* begin, const char* end) {
-  static_assert(static_cast<unsigned>(ByteKind::kResidue) == 0);
-  unsigned kinds = 0;
-  for (; begin != end; ++begin) {
-    kinds |= static_cast<unsigned>(kByteKinds[static_cast<unsigned char>(*begin)]);
-  }
-  return kinds == 0;
-}
+char upper(char residue) { return is_letter(residue) ? upper_case(residue) : residue; }
 
 }  // namespace
 
@@ -65,8 +44,17 @@ void TextMasker::fail() const {
   throw DataError("The FASTA file is malformed at line " + std::to_string(line_) + ".");
 }
 
+// In nearly all genomes, nearly all lines hold nothing but plain residues: these are taken at once.
 void TextMasker::mask(char* begin, const char* end) {
+  char* mixed_end = begin;
   for (char* at = begin; at != end;) {
+    const bool at_residue_line = place_ == Place::kResidues && at_line_start_ && !after_cr_;
+    if (at_residue_line && at >= mixed_end) {
+      const std::string_view lines = whole_lines({at, static_cast<std::size_t>(end - at)});
+      mixed_end = at + lines.size();
+      if (holds_only_plain_lines(lines)) at = take_plain_lines(at, mixed_end);
+      if (at == end) return;
+    }
     const char byte = *at;
     if (end_line(byte)) {
       ++at;
@@ -94,6 +82,19 @@ bool TextMasker::end_line(char byte) {
   return true;
 }
 
+// Up to `end`, which stands behind a line feed.
+char* TextMasker::take_plain_lines(char* begin, char* end) {
+  if (!style_.keeps_lower_case) std::transform(begin, end, begin, upper_case);
+  while (begin != end) {
+    const std::string_view rest(begin, static_cast<std::size_t>(end - begin));
+    char* const line_end = begin + rest.find('\n');
+    mask_residues(begin, line_end);
+    begin = line_end + 1;
+    ++line_;
+  }
+  return begin;
+}
+
 // In front of the first record, or at the '>' of another one.
 void TextMasker::take_first(char byte) {
   if (byte == '>') {
@@ -110,9 +111,11 @@ void TextMasker::take_first(char byte) {
 }
 
 char* TextMasker::take_residues(char* begin, const char* end) {
-  char* const line_end = begin + line_length(begin, end);
+  const std::string_view part = line_part({begin, static_cast<std::size_t>(end - begin)});
+  char* const line_end = begin + part.size();
   at_line_start_ = after_cr_ = false;
-  if (holds_only_residues(begin, line_end)) {
+  if (holds_only_plain_lines(part)) {
+    if (!style_.keeps_lower_case) std::transform(begin, line_end, begin, upper_case);
     mask_residues(begin, line_end);
     return line_end;
   }
@@ -127,7 +130,8 @@ char* TextMasker::take_residues(char* begin, const char* end) {
   return line_end;
 }
 
-// The same as masked() for each of them, but a stretch, or what lies in front of it, at once.
+// The same as masked() for each of them, but a stretch, or what lies in front of it, at once. Their
+// case is what it shall be outside of repeats.
 void TextMasker::mask_residues(char* begin, char* end) {
   while (begin != end) {
     if (bases_ >= stretch_.end) stretch_ = stretches_.next();
@@ -135,11 +139,9 @@ void TextMasker::mask_residues(char* begin, char* end) {
     const std::int64_t last = is_in_front ? stretch_.begin - 1 : stretch_.end;
     const std::int64_t count = std::min<std::int64_t>(end - begin, last - bases_);
     char* const part_end = begin + count;
-    if (is_in_front) {
-      if (!style_.keeps_lower_case) std::transform(begin, part_end, begin, upper);
-    } else if (style_.is_hard) {
+    if (!is_in_front && style_.is_hard) {
       std::fill(begin, part_end, 'N');
-    } else {
+    } else if (!is_in_front) {
       std::transform(begin, part_end, begin, lower);
     }
     bases_ += count;

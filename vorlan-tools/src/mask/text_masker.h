@@ -43,6 +43,7 @@ class TextMasker {
 
   bool end_line(char byte);
   void take_first(char byte);
+  char* take_plain_lines(char* begin, char* end);
   char* take_residues(char* begin, const char* end);
   char masked(char residue);
   void mask_residues(char* begin, char* end);

@@ -42,6 +42,24 @@ void append_copy_name(RowText& text, const DissectedArray& array, std::size_t co
   append_number(text += '.', static_cast<std::int64_t>(copy) + 1);
 }
 
+/// The columns from the score to the divergence. Nearly all copies are without an edit.
+void append_likeness(RowText& text, const Monomer& monomer) {
+  if (monomer.edits() == 0) {
+    append_number(text += "\t1000\t.\t", monomer.end - monomer.start);
+    append_number(text += '\t', monomer.places);
+    text += "\t0\t0\t0\t0.000";
+    return;
+  }
+  const Thousandths diverged = per_cent(monomer.edits(), monomer.columns());
+  append_number(text += '\t', (kPerfect - diverged) * kHighestScore / kPerfect);
+  append_number(text += "\t.\t", monomer.end - monomer.start);
+  append_number(text += '\t', monomer.places);
+  append_number(text += '\t', monomer.mismatches);
+  append_number(text += '\t', monomer.insertions);
+  append_number(text += '\t', monomer.deletions);
+  append_thousandths(text += '\t', diverged);
+}
+
 void append_order(RowText& text, const HigherOrder& higher_order) {
   append_number(text, static_cast<std::int64_t>(higher_order.order));
 }
@@ -54,18 +72,11 @@ void append_monomer_rows(RowText& text, const DissectedArray& array) {
   const std::size_t order = dissection.higher_order.order;
   for (std::size_t copy = 0; copy < dissection.monomers.size(); ++copy) {
     const Monomer& monomer = dissection.monomers[copy];
-    const Thousandths diverged = per_cent(monomer.edits(), monomer.columns());
     text += array.array.sequence;
     append_number(text += '\t', array.array.start + monomer.start);
     append_number(text += '\t', array.array.start + monomer.end);
     append_copy_name(text += '\t', array, copy);
-    append_number(text += '\t', (kPerfect - diverged) * kHighestScore / kPerfect);
-    append_number(text += "\t.\t", monomer.end - monomer.start);
-    append_number(text += '\t', monomer.places);
-    append_number(text += '\t', monomer.mismatches);
-    append_number(text += '\t', monomer.insertions);
-    append_number(text += '\t', monomer.deletions);
-    append_thousandths(text += '\t', diverged);
+    append_likeness(text, monomer);
     if (order > 1) {
       append_number(text += '\t', static_cast<std::int64_t>(copy % order) + 1);
     } else {

@@ -81,6 +81,7 @@ void dissect_arrays(const ArrayRequest& request) {
         static_cast<std::size_t>(array.start), static_cast<std::size_t>(array.end - array.start));
     const Dissection dissection = dissect_array(bases, array.unit, request.begin);
     append(text, {number, array, bases, dissection}, request.form);
+    if (text.size() < OutputFile::kBufferSize) continue;
     output.write(text.view());
     text.clear();
   }

@@ -19,6 +19,11 @@ constexpr std::array<std::string_view, 7> kUnitNames = {"",
                                                         "pentanucleotide",
                                                         "hexanucleotide"};
 
+/// No two names of units begin with the same two letters.
+bool begins_alike(std::string_view text, std::string_view name) {
+  return text.size() > 1 && text[0] == name[0] && text[1] == name[1];
+}
+
 /// "dinucleotide" or "12-nucleotide", with leading blanks.
 FieldCursor& read_label(FieldCursor& fields, std::int64_t& unit_length) {
   fields.blanks();
@@ -26,12 +31,10 @@ FieldCursor& read_label(FieldCursor& fields, std::int64_t& unit_length) {
   if (!rest.empty() && rest[0] >= '0' && rest[0] <= '9')
     return fields.number(unit_length).literal("-nucleotide");
   for (std::size_t i = 1; i < kUnitNames.size(); ++i) {
-    if (rest.substr(0, kUnitNames[i].size()) == kUnitNames[i]) {
-      unit_length = static_cast<std::int64_t>(i);
-      return fields.literal(kUnitNames[i]);
-    }
+    unit_length = static_cast<std::int64_t>(i);
+    if (begins_alike(rest, kUnitNames[i])) break;
   }
-  return fields.literal("mononucleotide");
+  return fields.literal(kUnitNames[static_cast<std::size_t>(unit_length)]);
 }
 
 void compute_copies(Repeat& repeat) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -23,16 +24,16 @@ inline Thousandths thousandths_of(float value) {
 /// nothing fits any more, so that one test of ok() at the end is enough.
 class FieldCursor {
  public:
-  explicit FieldCursor(std::string_view text) : rest_(text) {}
+  explicit FieldCursor(std::string_view text)
+      : begin_(text.data()), end_(text.data() + text.size()) {}
 
   bool ok() const { return ok_; }
-  bool at_end() const { return ok_ && rest_.empty(); }
-  std::string_view rest() const { return rest_; }
+  bool at_end() const { return ok_ && begin_ == end_; }
+  std::string_view rest() const { return {begin_, left()}; }
 
   FieldCursor& literal(std::string_view text) {
-    if (rest_.size() < text.size() || std::memcmp(rest_.data(), text.data(), text.size()) != 0)
-      return fail();
-    rest_.remove_prefix(text.size());
+    if (left() < text.size() || std::memcmp(begin_, text.data(), text.size()) != 0) return fail();
+    begin_ += text.size();
     return *this;
   }
 
@@ -40,29 +41,27 @@ class FieldCursor {
   template <std::size_t kSize>
   FieldCursor& literal(const char (&text)[kSize]) {
     constexpr std::size_t kLength = kSize - 1;
-    if (rest_.size() < kLength || std::memcmp(rest_.data(), text, kLength) != 0) return fail();
-    rest_.remove_prefix(kLength);
+    if (left() < kLength || std::memcmp(begin_, text, kLength) != 0) return fail();
+    begin_ += kLength;
     return *this;
   }
 
   FieldCursor& blanks() {
-    while (!rest_.empty() && rest_[0] == ' ') rest_.remove_prefix(1);
+    while (begin_ != end_ && *begin_ == ' ') ++begin_;
     return *this;
   }
 
   /// A whole number that fits into 32 bits, as all of a report do, with leading blanks as padding.
   FieldCursor& number(std::int64_t& value) {
     blanks();
-    const bool negative = !rest_.empty() && rest_[0] == '-';
-    std::size_t at = negative ? 1 : 0;
-    const std::size_t first = at;
-    std::int64_t result = 0;
-    while (at < rest_.size() && at - first < kMaxDigits && is_digit(rest_[at])) {
-      result = 10 * result + (rest_[at++] - '0');
-    }
-    if (at == first || result > INT32_MAX) return fail();
-    value = negative ? -result : result;
-    rest_.remove_prefix(at);
+    const bool negative = begin_ != end_ && *begin_ == '-';
+    const char* const first = begin_ + (negative ? 1 : 0);
+    const char* at = first;
+    std::uint64_t size = 0;
+    for (; at != end_ && digit_of(*at) < 10; ++at) size = 10 * size + digit_of(*at);
+    if (at == first || at - first > kMaxDigits || size > INT32_MAX) return fail();
+    value = negative ? -static_cast<std::int64_t>(size) : static_cast<std::int64_t>(size);
+    begin_ = at;
     return *this;
   }
 
@@ -75,14 +74,13 @@ class FieldCursor {
   /// padding.
   FieldCursor& decimal(Thousandths& value, int decimals = 3) {
     blanks();
-    const bool negative = !rest_.empty() && rest_[0] == '-';
+    const bool negative = begin_ != end_ && *begin_ == '-';
     std::int64_t whole = 0;
-    if (!number(whole).literal(".").ok()) return *this;
+    if (!number(whole).literal(".").ok() || end_ - begin_ < decimals) return fail();
     std::int64_t fraction = 0;
-    for (int i = 0; i < decimals; ++i) {
-      if (rest_.empty() || !is_digit(rest_[0])) return fail();
-      fraction = 10 * fraction + (rest_[0] - '0');
-      rest_.remove_prefix(1);
+    for (int i = 0; i < decimals; ++i, ++begin_) {
+      if (digit_of(*begin_) >= 10) return fail();
+      fraction = 10 * fraction + digit_of(*begin_);
     }
     if (decimals == 2) fraction *= 10;
     value = negative ? 1000 * whole - fraction : 1000 * whole + fraction;
@@ -91,32 +89,36 @@ class FieldCursor {
 
   /// All bytes up to `end`, which is passed over.
   FieldCursor& text_until(char end, std::string_view& text) {
-    const std::size_t at = rest_.find(end);
+    const std::size_t at = rest().find(end);
     if (!ok_ || at == std::string_view::npos) return fail();
-    text = rest_.substr(0, at);
-    rest_.remove_prefix(at + 1);
+    text = rest().substr(0, at);
+    begin_ += at + 1;
     return *this;
   }
 
   /// All bytes that are left.
   FieldCursor& text_until_end(std::string_view& text) {
-    text = rest_;
-    rest_ = {};
+    text = rest();
+    begin_ = end_;
     return *this;
   }
 
  private:
-  static constexpr std::size_t kMaxDigits = 10;
+  static constexpr std::ptrdiff_t kMaxDigits = 10;
 
-  static bool is_digit(char c) { return c >= '0' && c <= '9'; }
+  /// 10 or more for what is no digit.
+  static unsigned digit_of(char c) { return static_cast<unsigned>(c) - '0'; }
+
+  std::size_t left() const { return static_cast<std::size_t>(end_ - begin_); }
 
   FieldCursor& fail() {
     ok_ = false;
-    rest_ = {};
+    begin_ = end_;
     return *this;
   }
 
-  std::string_view rest_;
+  const char* begin_;
+  const char* end_;
   bool ok_ = true;
 };
 

@@ -21,8 +21,8 @@ std::vector<ListedSequence> list_blocks(const RereadableInput& input) {
   read_head(lines);
   std::vector<ListedSequence> list;
   std::string_view line;
-  while (lines.next(line)) {
-    if (line.empty() || line[0] != '>') continue;
+  while (lines.skip_to('>')) {
+    lines.next(line);
     list.push_back({std::string(line.substr(1, line.find(' ') - 1)), -1});
     if (lines.next(line)) FieldCursor(line).literal("sequence length: ").number(list.back().length);
     if (list.back().length < 0) {

@@ -138,6 +138,30 @@ class AgainstTheDefinition(MaskTest):
                             self.assertEqual(self.mask(*flags), masked_slowly(text, spans, hard, keeps))
         self.assertGreater(masked, 50)
 
+    def test_many_lines_with_a_few_that_are_not_plain(self) -> None:
+        """Far more than is looked at together; few repeats, since the definition is slow."""
+        settings = ["--minScore", "12", "--minUnitLen", "2"]
+        for line_ends in ([b"\n"], [b"\n"] * 400 + [b"\r\n", b"\r", b"\n\n"], [b"\r\n"], [b"\r"]):
+            source = random.Random(SEED)
+            text = bytearray()
+            for name in b"abc":
+                text += b">%c x\n" % name
+                for number in range(700):
+                    line = bytearray(source.choices(b"ACGTacgtN", k=source.choice([60] * 20 + [0, 1, 200, 20_000])
+                                                    if number % 100 == 0 else 60))
+                    if number % 50 == 7:
+                        line[source.choice([0, 30, 40]):] = b"CAca" * 6
+                    if source.randrange(300) == 0:
+                        line[20:20] = source.choice([b"-", b"*", b"R", b" ", b"?", b"ACACACACACACACAC*ACACACACACACACA"])
+                    text += bytes(line) + source.choice(line_ends)
+            self.write("in.fa", bytes(text))
+            spans = spans_of(self.vorlan(*settings, "--printRepeatSeqMode", "0", "in.fa").stdout)
+            self.assertGreater(sum(map(len, spans)), 30)
+            self.report(*settings)
+            for hard, keeps in ((False, False), (False, True), (True, False)):
+                flags = ["--hard"] * hard + ["--keep-lower-case"] * keeps
+                self.assertEqual(self.mask(*flags), masked_slowly(bytes(text), spans, hard, keeps), (line_ends, flags))
+
     def test_repeats_within_repeats(self) -> None:
         text = random_genome(b"ACGT")
         self.write("in.fa", text)
@@ -198,6 +222,44 @@ class Outputs(MaskTest):
         self.mask("-o", "out.gz", "-O", "u")
         self.assertEqual(self.read("out.gz"), self.expected)
         self.assertEqual(gzip.decompress(self.mask("-O", "z")), self.expected)
+
+
+class Threads(MaskTest):
+    def setUp(self) -> None:
+        """Many blocks of 64 kB, which is what each thread compresses at once."""
+        super().setUp()
+        source = random.Random(SEED)
+        residues = bytes(source.choices(b"ACGTacgt", k=1_200_000))
+        lines = [residues[at:at + WIDTH] for at in range(0, len(residues), WIDTH)]
+        self.write("in.fa", b">a\n%s\n>b\n%s\n" % (b"\n".join(lines[:9000]), b"\n".join(lines[9000:])))
+        self.report("--minScore", "12")
+
+    def test_the_same_bytes_with_any_number(self) -> None:
+        files = ("out.gz", "out.gz.fai", "out.gz.gzi")
+        self.mask("-o", "out.gz", "--write-index")
+        alone = {name: self.take(name) for name in files}
+        self.assertGreater(len(alone["out.gz.gzi"]), 8 + 15 * 16)
+        for threads in ("1", "2", "3", "8"):
+            self.mask("-o", "out.gz", "--write-index", "-@", threads)
+            self.assertEqual({name: self.take(name) for name in files}, alone, threads)
+            self.assertEqual(self.mask("-O", "z", "--threads", threads), alone["out.gz"])
+        plain = self.mask()
+        self.assertEqual(gzip.decompress(alone["out.gz"]), plain)
+        self.assertEqual(self.mask("-@", "3"), plain)
+
+    def test_a_full_disk(self) -> None:
+        with open("/dev/full", "wb") as full:
+            outcome = self.tools("mask", "report", "-g", "in.fa", "-O", "z", "-@", "3", stdout=full)
+        self.assert_refused(outcome, 1, "No space left")
+
+    def test_a_genome_that_ends_too_early(self) -> None:
+        self.write("in.fa", self.read("in.fa")[:-100])
+        outcome = self.tools("mask", "report", "-g", "in.fa", "-o", "out.gz", "-@", "3")
+        self.assert_refused(outcome, 1, "bases in the report")
+        self.assertEqual(self.names(), {"in.fa", "report", "tmp"})
+
+    def test_no_thread(self) -> None:
+        self.assert_refused(self.tools("mask", "report", "-g", "in.fa", "-@", "0"), 2, "--threads")
 
 
 class Refusals(MaskTest):

@@ -31,5 +31,17 @@ TEST(Bases, AnotherByteIsFoundAtEachPlace) {
   }
 }
 
+TEST(Bases, PlainLinesHoldElevenBytesOfAll) {
+  std::string plain;
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string text =
+        "acgtnACGTN\nACGTACGTACGTACGT" + std::string(1, static_cast<char>(byte));
+    if (holds_only_plain_lines(text)) plain += static_cast<char>(byte);
+  }
+  EXPECT_EQ(plain, "\nACGNTacgnt");
+  EXPECT_TRUE(holds_only_bases_or_ns("ACGTN"));
+  EXPECT_FALSE(holds_only_bases_or_ns("ACGTn"));
+}
+
 }  // namespace
 }  // namespace vorlan_tools

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
+#include <random>
+#include <string>
 #include <vector>
 
 #include "errors.h"
@@ -95,6 +99,92 @@ TEST(FastaReader, LinesLongerThanTheBuffer) {
   const Records records = records_of(">s\n" + long_line + "\r\n" + long_line + "\r\n");
   ASSERT_EQ(records.size(), 1U);
   EXPECT_EQ(records[0].residues, std::string(2'000'006, 'A'));
+}
+
+TEST(FastaReader, AnAsteriskIsNoLineFeed) {
+  EXPECT_EQ(records_of(">s\nAC*GT\n*\nA\n"), (Records{{"s", "s", "ACGTA"}}));
+}
+
+TEST(FastaReader, ResiduesStayWhenTheNextHeaderIsRead) {
+  const TemporaryFile file(">s\nAC\n>t\nGG\n>u\nTT\n");
+  FastaReader reader(file.path());
+  ASSERT_TRUE(reader.next_header());
+  reader.read_residues();
+  ASSERT_TRUE(reader.next_header());
+  EXPECT_EQ(reader.residues(), "AC");
+  ASSERT_TRUE(reader.next_header());
+  EXPECT_EQ(reader.residues(), "AC");
+  reader.read_residues();
+  EXPECT_EQ(reader.residues(), "TT");
+}
+
+/// What a text with line feeds only, that begins with a header, reads as, taken byte by byte; the
+/// number of the line with a byte that cannot stand there, or 0.
+std::uint64_t read_plainly(const std::string& text, Records& records) {
+  std::uint64_t line = 1;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    if (text[at] == '>') {
+      const std::string header = text.substr(at + 1, end - at - 1);
+      const bool is_lone = at + 1 == text.size();
+      const std::string name = is_lone ? records.back().name : header.substr(0, header.find(' '));
+      records.push_back({header, name, ""});
+    } else {
+      for (; at < end; ++at) {
+        const auto upper = static_cast<char>(std::toupper(static_cast<unsigned char>(text[at])));
+        if (std::string_view("ACGT").find(upper) != std::string_view::npos) {
+          records.back().residues += upper;
+        } else if (upper == 'R' || upper == 'N') {
+          records.back().residues += 'N';
+        } else if (upper != '-' && upper != '*' && upper != ' ') {
+          return at + 1 == text.size() ? 0 : line;
+        }
+      }
+    }
+    at = end + 1;
+    ++line;
+  }
+  return 0;
+}
+
+/// Lines and records around the sizes of what is looked at together, with few or many bytes that
+/// are no plain residues, and each kind of line end.
+TEST(FastaReader, ReadsAsTakenByteByByte) {
+  std::mt19937 random(20261122);
+  const auto number = [&random](std::size_t below) { return random() % below; };
+  for (int round = 0; round < 600; ++round) {
+    std::string text = ">first\n";
+    const std::size_t rare = number(3) == 0 ? 0 : std::size_t{1} << number(16);
+    const std::size_t width = 1 + number(round % 5 == 0 ? 20000 : 90);
+    for (std::size_t lines = number(600); lines > 0 && text.size() < 100'000; --lines) {
+      if (number(40) == 0) text += ">r" + std::to_string(lines) + " x>y\n";
+      for (std::size_t i = 0; i < width; ++i) {
+        text += "ACGTacgtnN"[number(10)];
+        if (rare > 0 && number(rare) == 0) text += "R-* r"[number(5)];
+      }
+      text += '\n';
+    }
+    if (number(4) == 0 && text.size() > 7)
+      text[7 + number(text.size() - 7)] = ".>E\x01\xff"[number(5)];
+    if (number(3) == 0) text.pop_back();
+    Records expected;
+    const std::uint64_t malformed = read_plainly(text, expected);
+    for (const char* const line_end : {"\n", "\r\n", "\r"}) {
+      std::string other;
+      for (const char c : text) c == '\n' ? other += line_end : other += c;
+      if (malformed == 0) {
+        ASSERT_EQ(records_of(other), expected) << round;
+        continue;
+      }
+      try {
+        records_of(other);
+        FAIL() << "nothing was thrown " << round;
+      } catch (const LineError& error) {
+        const std::string line = ", line " + std::to_string(malformed) + ": ";
+        ASSERT_NE(std::string(error.what()).find(line), std::string::npos) << error.what();
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "errors.h"
 #include "io/output_file.h"
@@ -59,6 +62,40 @@ TEST(LineReader, LinesLongerThanTheBuffer) {
       ASSERT_EQ(line, expected);
     }
     EXPECT_FALSE(lines.next(line));
+  }
+}
+
+/// Against next() alone; lines of all lengths around the size of the buffer.
+TEST(LineReader, SkipsToLinesThatBeginWithASign) {
+  std::mt19937 random(20261122);
+  for (int round = 0; round < 40; ++round) {
+    std::string text;
+    for (std::size_t lines = random() % 3000; lines > 0; --lines) {
+      const bool is_long = random() % 1000 == 0;
+      std::string line(random() % (is_long ? 400'000 : 300), '|');
+      for (std::size_t signs = random() % 3; signs > 0 && !line.empty(); --signs) {
+        line[random() % std::min<std::size_t>(line.size(), 20)] = '>';
+      }
+      text += line + "\n";
+    }
+    if (random() % 2 == 0 && !text.empty()) text.pop_back();
+    const TemporaryFile file(text);
+    LineReader all(file.path());
+    LineReader skipping(file.path());
+    std::string_view line;
+    while (all.next(line)) {
+      if (line.empty() || line[0] != '>') continue;
+      ASSERT_TRUE(skipping.skip_to('>'));
+      std::string_view found;
+      ASSERT_TRUE(skipping.next(found));
+      ASSERT_EQ(found, line);
+      ASSERT_EQ(skipping.line_number(), all.line_number());
+      ASSERT_EQ(skipping.bytes_delivered(), all.bytes_delivered());
+    }
+    EXPECT_FALSE(skipping.skip_to('>'));
+    EXPECT_FALSE(skipping.next(line));
+    EXPECT_EQ(skipping.line_number(), all.line_number());
+    EXPECT_EQ(skipping.bytes_delivered(), text.size());
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -43,6 +44,23 @@ TEST(RowText, HoldsTheLongestNumbers) {
   append_number(text, INT64_MIN);
   append_number(text += ' ', INT64_MAX);
   EXPECT_EQ(text.view(), "-9223372036854775808 9223372036854775807");
+}
+
+/// The C library is the judge.
+TEST(RowText, PadsAsPrintfDoes) {
+  constexpr std::array<std::int64_t, 13> kNumbers = {
+      0,         7,         9,  10,      99, 100, 999'999, 1'000'000, 123'456'789'012'345'678,
+      INT64_MAX, INT64_MIN, -1, -123'456};
+  for (const std::int64_t number : kNumbers) {
+    for (std::size_t width = 1; width <= RowText::kWidest; ++width) {
+      RowText text;
+      (text += "before").append_padded(number, width) += "behind";
+      char expected[64];
+      std::snprintf(expected, sizeof expected, "before%*lldbehind", static_cast<int>(width),
+                    static_cast<long long>(number));
+      EXPECT_EQ(text.view(), expected) << width;
+    }
+  }
 }
 
 std::string shown_short(Thousandths value) {
