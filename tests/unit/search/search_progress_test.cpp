@@ -60,6 +60,14 @@ TEST_P(SearchProgress, IsAskedForEvery256StartsAndAtEachUnitLength) {
   EXPECT_THAT(unit_lengths_shown(repeated("ACGT", 150)), ElementsAre(1, 1, 1, 2, 2, 2, 3, 3, 3));
 }
 
+// The last base is no start, since nothing follows its unit: 258 bases have the starts 0 to 256.
+TEST_P(SearchProgress, IsAskedForAtStart256AndNotBefore) {
+  global_max_unit_length = 1;
+  const std::string bases = repeated("ACGT", 65);
+  EXPECT_THAT(unit_lengths_shown(bases.substr(0, 257)), ElementsAre(1));
+  EXPECT_THAT(unit_lengths_shown(bases.substr(0, 258)), ElementsAre(1, 1));
+}
+
 TEST_P(SearchProgress, ShowsRecordNumberNameAndUnitLength) {
   const RecordingConsole console(true);
   Dna dna("ACGTACGTACGT", "chr1 some text");
