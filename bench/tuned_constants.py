@@ -91,7 +91,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kWraparoundRowsPerLook", WRAPAROUND + "wraparound_kernel.h", ("4", "16"), (cheap, middle_units_human)),
         Constant("kMostBlocks", FILTER + "start_queue.h", ("8", "128"), filtered),
         Constant("kFewResiduesPerSurvivor", FILTER + "series_filter.cpp", ("2", "16"), (tiny_records, medium_records)),
-        Constant("kLongestUnit", FILTER + "series_filter.h", ("20", "60"), (records_middle_units,)),
+        Constant("kLongestUnit", FILTER + "series_filter.h", ("10", "30"), (records_middle_units,)),
         Constant("kMostResiduesOfRecord", "src/driver/record_series.cpp", ("1024", "8192"), (medium_records,)),
         Constant("kMostResidues", "src/driver/record_series.cpp", ("8192", "131072"), (tiny_records, medium_records)),
         Constant("kFewEdits", LOOK_AHEAD + "look_ahead.h", ("1", "5"), (*extended, deep)),
@@ -100,7 +100,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kMoreEdits", LOOK_AHEAD + "bit_look_ahead.h", ("1", "6"), extended),
         Constant("kWords", LOOK_AHEAD + "mismatch_masks.h", ("2", "8"), (array, deep)),
         Constant("kWorthStoring", "src/imperfect/ways/stored_ways.h", ("0", "30"), (*extended, extended_array)),
-        Constant("kWorthStoringLongUnit", "src/imperfect/ways/stored_ways.h", ("1", "16"),
-                 (middle_units_human, long_units_human)),
+        Constant("kWorthStoringLongUnit", "src/imperfect/ways/stored_ways.h", ("16", "256"),
+                 (middle_units_human, long_units_human, satellite)),
         Constant("kMostNotedEdits", "src/imperfect/record_search.cpp", ("16", "256"), (array, at_rich)),
     ]

@@ -40,7 +40,7 @@ class SeriesFilter {
  public:
   /// Judging longer units takes so long that it is better done record by record, where progress is
   /// shown and repeats of shorter units leave less to judge. Chosen by the bench, table "Tuning".
-  static constexpr unsigned kLongestUnit = 50;
+  static constexpr unsigned kLongestUnit = 20;
 
   void clear() {
     residues_.clear();

@@ -100,11 +100,11 @@ class StoredWays {
   static constexpr std::int64_t kWorthStoring = 10;
 
   /// Nearly every start of a long unit has a unit of its own, since neighbouring copies differ
-  /// somewhere, so few extensions meet. Ways are stored only behind several copies, where going on
+  /// somewhere, so few extensions meet. Ways are stored only behind many copies, where going on
   /// would cost most: from this many points for each base above kLongUnit. Chosen by the bench,
   /// table "Tuning".
   static constexpr std::int64_t kLongUnit = 16;
-  static constexpr std::int64_t kWorthStoringLongUnit = 4;
+  static constexpr std::int64_t kWorthStoringLongUnit = 64;
 
   const char* seq_begin_;
   UnitPhases phases_;
