@@ -166,6 +166,7 @@ Lanes step_row(const Automaton& automaton, int j, int edits, const Leaving& abov
   // Each insertion has consumed a residue.
   const int last_diagonal = smaller(edits, j + 1);
   const int last_receiver = smaller(above.last + 1, last_diagonal);
+  // Into the lowest row nothing comes in, but its own paths leave.
   const int last_in_motion = last_receiver < here.last ? here.last : last_receiver;
   Lanes in_row = {};
   int d = -edits;

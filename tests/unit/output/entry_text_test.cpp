@@ -9,6 +9,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
