@@ -33,6 +33,7 @@ RecordSearch::RecordSearch(std::string_view residues, unsigned longest_unit, See
       accelerations_(accelerations),
       scoring_(Scoring::for_sequence(residues.size())),
       planes_(residues.data(), residues.size(), margin_of_planes(longest_unit)),
+      decisions_({residues.data(), residues.size()}, {residues.data(), residues.size()}),
       ways_(residues.data(), scoring_),
       shares_ways_(accelerations.shared_ways && StoredWays::can_share(scoring_)),
       joint_bound_(residues) {}

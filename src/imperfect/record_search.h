@@ -70,6 +70,13 @@ class RecordSearch {
 
   BitLookAheadMemory& bit_memory() { return bit_memory_; }
 
+  /// The decisions that are kept, or null where none are for this unit.
+  template <class Direction>
+  DecisionMemory<Direction>* decisions(const UnitSpan& unit) {
+    const bool are_kept = accelerations_.kept_decisions && unit.length() >= kShortestKeptUnit;
+    return are_kept ? &std::get<DecisionMemory<Direction>>(decisions_) : nullptr;
+  }
+
   /// The ways of all extensions so far; empty where ways are not shared.
   StoredWays& ways() { return ways_; }
 
@@ -105,6 +112,10 @@ class RecordSearch {
   void complete_events(Csat& sat);
 
  private:
+  /// A shorter unit ends before most decisions have read what they need. Chosen by the bench, table
+  /// "Tuning".
+  static constexpr std::ptrdiff_t kShortestKeptUnit = 30;
+
   bool notes_events(const Csat& sat) const;
   template <class Direction>
   bool stays_below(std::int64_t goal, const Csat& seed, const char* stop);
@@ -117,6 +128,7 @@ class RecordSearch {
   BitPlanes planes_;
   std::tuple<MergedLookAheadMemory<Forward>, MergedLookAheadMemory<Backward>> memories_;
   BitLookAheadMemory bit_memory_;
+  std::tuple<DecisionMemory<Forward>, DecisionMemory<Backward>> decisions_;
   StoredWays ways_;
   bool shares_ways_;
   std::optional<SelfAlignment> self_alignment_;  ///< Made when it is first needed.

@@ -22,6 +22,7 @@ struct Accelerations {
   bool series_filter = true;      ///< imperfect/filter/series_filter.h; with both filters above
   bool early_end = true;          ///< imperfect/look_ahead/comeback.h
   bool bit_look_ahead = true;     ///< imperfect/look_ahead/place_sets_kernel.h
+  bool kept_decisions = true;     ///< imperfect/look_ahead/decision_memory.h; of those by bits
   bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
   bool shared_ways = true;        ///< imperfect/ways/way_forest.h
   bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h
@@ -46,6 +47,7 @@ inline constexpr NamedAcceleration kAccelerations[] = {
     {"series_filter", &Accelerations::series_filter},
     {"early_end", &Accelerations::early_end},
     {"bit_look_ahead", &Accelerations::bit_look_ahead},
+    {"kept_decisions", &Accelerations::kept_decisions},
     {"merged_look_ahead", &Accelerations::merged_look_ahead},
     {"shared_ways", &Accelerations::shared_ways},
     {"late_marks", &Accelerations::late_marks},

@@ -40,6 +40,10 @@ struct Forward {
                                      std::ptrdiff_t steps) {
     return unit.begin + (cursor - unit.begin + steps) % unit.length();
   }
+  /// Unit bases from the due one on until the unit begins again.
+  static std::ptrdiff_t bases_left(const char* cursor, const UnitSpan& unit) {
+    return unit.end - cursor;
+  }
   static Front front(const Csat& sat) { return {sat.pos_right, sat.unit_cursor_fwd}; }
   static void set_front(Csat& sat, const Front& front) {
     sat.pos_right = front.place;
@@ -57,6 +61,9 @@ struct Backward {
   static const char* unit_base_after(const char* cursor, const UnitSpan& unit,
                                      std::ptrdiff_t steps) {
     return unit.end - 1 - (unit.end - 1 - cursor + steps) % unit.length();
+  }
+  static std::ptrdiff_t bases_left(const char* cursor, const UnitSpan& unit) {
+    return cursor - unit.begin + 1;
   }
   static Front front(const Csat& sat) { return {sat.pos_left, sat.unit_cursor_bwd}; }
   static void set_front(Csat& sat, const Front& front) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "imperfect/look_ahead/comeback.h"
+#include "imperfect/look_ahead/decision_memory.h"
 #include "imperfect/look_ahead/diagonal_masks.h"
 #include "imperfect/look_ahead/place_sets_kernel.h"
 #include "imperfect/look_ahead/unit_strip.h"
@@ -38,9 +39,11 @@ template <class Direction>
 class BitLookAhead {
  public:
   /// The unit lies in the sequence that begins at `seq_begin`. Without `planes`, those of the
-  /// sequence with a margin of DiagonalMasks::kMargin, nothing is ever told.
+  /// sequence with a margin of DiagonalMasks::kMargin, nothing is ever told. In `decisions`,
+  /// if given, moves of this sequence are looked up and kept.
   BitLookAhead(const Scoring& scoring, const UnitSpan& unit, const char* stop,
-               const BitPlanes* planes, const char* seq_begin, BitLookAheadMemory& memory)
+               const BitPlanes* planes, const char* seq_begin, BitLookAheadMemory& memory,
+               DecisionMemory<Direction>* decisions)
       : scoring_(scoring),
         unit_(unit),
         stop_(stop),
@@ -49,6 +52,7 @@ class BitLookAhead {
         memory_(memory),
         masks_(memory.masks(Direction{})),
         comeback_(scoring),
+        decisions_(scoring.has_constant_threshold() ? decisions : nullptr),
         decides_(can_decide(scoring)) {}
 
   /// Whether no state behind the decision at `front` scores at least `goal`, until then with this
@@ -72,15 +76,16 @@ class BitLookAhead {
   /// best score so far.
   std::optional<Move> best_move(const Front& front, std::int64_t score, std::int64_t best) {
     if (planes_ == nullptr || !decides_) return {};
-    start_masks(front, scoring_.deepest_level());
-    masks_.open(scoring_.deepest_level());
-    const std::int64_t threshold = scoring_.threshold(best, unit_.length());
-    const FirstEditChoice choice = choose(relative(threshold, score));
-    const std::int64_t highest = std::max(best, score + choice.value);
-    const std::int64_t highest_threshold = scoring_.threshold(highest, unit_.length());
-    const bool is_certain =
-        highest_threshold == threshold || choose(relative(highest_threshold, score)) == choice;
-    return is_certain && !masks_.has_N() ? move_of(choice.edit) : std::nullopt;
+    const bool is_kept = decisions_ != nullptr && no_path_ends_at_floor(score);
+    if (is_kept) {
+      if (const std::optional<Move> known = decisions_->find(front, unit_)) return known;
+    }
+    const FirstEditChoice choice = decide(front, score, best);
+    const std::optional<Move> move = move_of(choice.edit);
+    // The residue at the furthest place was compared on diagonals down to minus the deepest level.
+    const std::int32_t bases_read = choice.furthest + 1 + scoring_.deepest_level();
+    if (is_kept && move) decisions_->keep(front, unit_, *move, bases_read);
+    return move;
   }
 
  private:
@@ -93,6 +98,27 @@ class BitLookAhead {
     return scoring.deepest_level() > 0 && scoring.deepest_level() <= kMostEditsOfSets &&
            // So many edits stay above a threshold that was clamped to -kLargest.
            scoring.dearest_edit() * kMostEditsOfSets > -std::int64_t{Comeback<Direction>::kLargest};
+  }
+
+  bool no_path_ends_at_floor(std::int64_t score) const {
+    return score + scoring_.deepest_level() * scoring_.dearest_edit() >
+           scoring_.floor(unit_.length());
+  }
+
+  FirstEditChoice decide(const Front& front, std::int64_t score, std::int64_t best) {
+    start_masks(front, scoring_.deepest_level());
+    masks_.open(scoring_.deepest_level());
+    const std::int64_t threshold = scoring_.threshold(best, unit_.length());
+    FirstEditChoice choice = choose(relative(threshold, score));
+    const std::int64_t highest = std::max(best, score + choice.value);
+    const std::int64_t highest_threshold = scoring_.threshold(highest, unit_.length());
+    if (highest_threshold != threshold) {
+      const FirstEditChoice other = choose(relative(highest_threshold, score));
+      if (other.edit != choice.edit || other.value != choice.value)
+        choice.edit = FirstEdit::kUnknown;
+    }
+    if (masks_.has_N()) choice.edit = FirstEdit::kUnknown;
+    return choice;
   }
 
   // Looks further where that is needed.
@@ -145,6 +171,7 @@ class BitLookAhead {
   BitLookAheadMemory& memory_;
   DiagonalMasks<Direction>& masks_;
   Comeback<Direction> comeback_;
+  DecisionMemory<Direction>* decisions_;
   bool decides_;
   bool unit_is_read_ = false;
 };

@@ -27,7 +27,8 @@ class LookAhead {
         plain_(scoring_, unit, stop),
         merged_(scoring_, unit, stop, &record.planes(), record.begin(),
                 record.template memory<Direction>()),
-        bits_(scoring_, unit, stop, &record.planes(), record.begin(), record.bit_memory()) {}
+        bits_(scoring_, unit, stop, &record.planes(), record.begin(), record.bit_memory(),
+              record.template decisions<Direction>(unit)) {}
 
   /// The move of LeapAhead::best_move.
   Move best_move(const Front& front, std::int64_t score, std::uint8_t level, std::int64_t best) {

@@ -88,16 +88,23 @@ struct Sets {
     return result;
   }
 
-  bool is_empty() const {
-    std::uint64_t any = 0;
-    for (const Words& w : words) any |= word(w, 0) | word(w, 1) | word(w, 2);
-    return any == 0;
+  bool is_empty() const { return furthest() < 0; }
+
+  /// The furthest place, or -1.
+  std::int32_t furthest() const {
+    return highest_bit([](const Words& w) { return word(w, 0) | word(w, 1) | word(w, 2); });
   }
 
   /// The furthest place of a first move, or -1.
   std::int32_t furthest(std::int32_t first_move) const {
+    return highest_bit([first_move](const Words& w) { return word(w, first_move); });
+  }
+
+ private:
+  template <class BitsOf>
+  std::int32_t highest_bit(const BitsOf& bits_of) const {
     for (std::int32_t w = kWords - 1; w >= 0; --w) {
-      const std::uint64_t bits = word(words[w], first_move);
+      const std::uint64_t bits = bits_of(words[w]);
       if (bits != 0) return w * kBits + kBits - 1 - __builtin_clzll(bits);
     }
     return -1;
@@ -116,7 +123,7 @@ class Decision {
     make_edits_from<2>();
     // Sets that are moved by their deletions must not lose a place.
     const bool is_known = all_.from(kWords * kBits - 1 - plan_.most_edits).is_empty();
-    return is_known ? best() : FirstEditChoice{FirstEdit::kUnknown, kNoScore};
+    return is_known ? best() : FirstEditChoice{FirstEdit::kUnknown, kNoScore, kWords * kBits};
   }
 
  private:
@@ -228,7 +235,8 @@ class Decision {
       if (values_[first] > values_[best]) best = first;
     }
     const std::int32_t value = values_[best];
-    return {value == kNoScore ? FirstEdit::kNone : static_cast<FirstEdit>(best), value};
+    return {value == kNoScore ? FirstEdit::kNone : static_cast<FirstEdit>(best), value,
+            all_.furthest()};
   }
 
   const PlaceSetsPlan plan_;

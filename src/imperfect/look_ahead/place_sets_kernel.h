@@ -69,12 +69,12 @@ struct DiagonalWords {
 /// The first moves, in the order that decides ties, and what else a decision may be.
 enum class FirstEdit : std::int8_t { kMismatch, kInsertion, kDeletion, kNone, kUnknown };
 
-/// A decision, and what it is worth if it is an edit. Scores are relative to that at the decision.
+/// A decision, what it is worth if it is an edit, and the furthest place that any path came to.
+/// Scores are relative to that at the decision.
 struct FirstEditChoice {
   FirstEdit edit;
   std::int32_t value;
-
-  friend bool operator==(const FirstEditChoice&, const FirstEditChoice&) = default;
+  std::int32_t furthest;
 };
 
 /// The edit that the look-ahead values most, kNone when the threshold allows none, kUnknown when

@@ -97,9 +97,13 @@ class BitLookAheadTest : public FreshSettings {
     Case(const std::string& text, std::size_t unit_begin, std::size_t unit_length)
         : dna(text),
           planes(dna.at(0), text.size(), DiagonalMasks<Direction>::kMargin),
-          unit{dna.at(static_cast<std::ptrdiff_t>(unit_begin)),
-               dna.at(static_cast<std::ptrdiff_t>(unit_begin + unit_length))},
+          unit(unit_at(unit_begin, unit_length)),
           stop(stop_of(Direction{}, dna)) {}
+
+    UnitSpan unit_at(std::size_t begin, std::size_t length) const {
+      return {dna.at(static_cast<std::ptrdiff_t>(begin)),
+              dna.at(static_cast<std::ptrdiff_t>(begin + length))};
+    }
 
     Dna dna;
     BitPlanes planes;
@@ -129,10 +133,11 @@ class BitLookAheadTest : public FreshSettings {
 
   /// Both look-aheads of one case.
   struct LookAheads {
-    explicit LookAheads(const Case& given)
+    explicit LookAheads(const Case& given, DecisionMemory<Direction>* decisions = nullptr)
         : settings(Scoring::of_the_run()),
           plain(settings, given.unit, given.stop),
-          bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0), given.memory) {}
+          bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0), given.memory,
+               decisions) {}
 
     Scoring settings;
     LeapAhead<Direction> plain;
@@ -150,14 +155,61 @@ class BitLookAheadTest : public FreshSettings {
         << "score " << score << ", best " << best;
   }
 
-  void compare_moves(const Case& given, int highest_score) {
-    LookAheads look_aheads(given);
+  void compare_moves(const Case& given, int highest_score,
+                     DecisionMemory<Direction>* decisions = nullptr) {
+    LookAheads look_aheads(given, decisions);
     for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
+      if (decisions != nullptr && decisions->find({place, cursor}, given.unit)) ++found_;
       compare_move(look_aheads, {place, cursor}, score, score);
       if (!testing::Test::HasFatalFailure()) return;
       ADD_FAILURE() << "place " << place - given.dna.at(0) << " cursor "
                     << cursor - given.unit.begin;
     });
+  }
+
+  /// With each unit of a text by turns, while decisions are kept.
+  void compare_moves_of_all_units(const std::string& text, int highest_score) {
+    Case given(text, 0, 1);
+    DecisionMemory<Direction> decisions(given.dna.at(0), text.size());
+    for (std::size_t length = text.size(); length >= 1; --length) {
+      for (std::size_t begin = 0; begin + length <= text.size(); ++begin) {
+        if (text.substr(begin, length).find('N') != std::string::npos) continue;
+        given.unit = given.unit_at(begin, length);
+        compare_moves(given, highest_score, &decisions);
+      }
+    }
+  }
+
+  /// With units that begin and end near each other, where their extensions often come.
+  void compare_moves_of_neighbours(Random& random) {
+    const std::size_t period = 20 + random.below(60);
+    const std::string copies =
+        differential::array_of(differential::random_residues(random, period, "ACGT"), 4 * period);
+    Case given(differential::diverged(random, copies, random.between(0, 150)), 0, 1);
+    DecisionMemory<Direction> decisions(given.dna.at(0), given.dna.residues.size);
+    const std::size_t first = given.dna.residues.size / 2;
+    for (int i = 0; i < 10; ++i) {
+      given.unit = given.unit_at(first - random.below(8), period - 10 + random.below(20));
+      LookAheads look_aheads(given, &decisions);
+      const std::int64_t score = look_aheads.settings.floor(given.unit.length()) + 50;
+      for (const char* cursor = given.unit.begin; cursor != given.unit.end; ++cursor) {
+        for (const std::ptrdiff_t shift : {-1, 0, 1}) {
+          compare_kept_move(look_aheads, given, cursor, shift, score, decisions);
+        }
+      }
+    }
+  }
+
+  /// One copy further on from `cursor`, or nearly.
+  void compare_kept_move(LookAheads& look_aheads, const Case& given, const char* cursor,
+                         std::ptrdiff_t shift, std::int64_t score,
+                         const DecisionMemory<Direction>& decisions) {
+    const char* place = Direction::moved(cursor, given.unit.length() + shift);
+    if (place <= given.dna.at(0) || place >= given.dna.end()) return;
+    if (*Direction::residue(place) == *cursor) return;
+    const Front front{place, cursor};
+    if (decisions.find(front, given.unit)) ++found_;
+    compare_move(look_aheads, front, score, score);
   }
 
   /// In a random text, where up to `most_lost` points are lost since the best score.
@@ -175,7 +227,7 @@ class BitLookAheadTest : public FreshSettings {
   void check_proofs(const Case& given, int highest_score) {
     const Scoring settings = Scoring::of_the_run();
     BitLookAhead<Direction> bits(settings, given.unit, given.stop, &given.planes, given.dna.at(0),
-                                 given.memory);
+                                 given.memory, nullptr);
     for_each_decision(given, highest_score, [&](auto place, auto cursor, auto score) {
       const std::int64_t threshold = settings.threshold(score, given.unit.length());
       AllPaths<Direction> all(settings, given.unit, given.stop, threshold);
@@ -190,6 +242,17 @@ class BitLookAheadTest : public FreshSettings {
           ++missed_proofs_;
         }
       }
+    });
+  }
+
+  template <class Check>
+  void for_each_text(std::string_view alphabet, std::size_t longest_text, const Check& check) {
+    differential::for_each_string_up_to(alphabet, longest_text, [&](const std::string& text) {
+      if (text.empty()) return true;
+      check(text);
+      if (!testing::Test::HasFailure()) return true;
+      ADD_FAILURE() << text;
+      return false;
     });
   }
 
@@ -265,6 +328,7 @@ class BitLookAheadTest : public FreshSettings {
   }
 
   std::array<long, 4> chosen_{};
+  long found_ = 0;
   long proofs_ = 0;
   long missed_proofs_ = 0;
 };
@@ -304,6 +368,36 @@ TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionInDivergedArrays) {
   for (const long times : this->chosen_) EXPECT_GT(times, 20);
 }
 
+// The units of a text share what is kept, the long ones first: they keep the most.
+TYPED_TEST(BitLookAheadTest, WhatIsKeptForAllUnitsOfShortTextsIsWhatThePlainRecursionDecides) {
+  this->for_each_setting([&](Settings settings) {
+    for (const int depth : {1, 2}) {
+      settings.maximum_recursion_depth = depth;
+      reference::set_settings_of_the_product(settings);
+      for (const auto& [alphabet, longest_text] : {std::pair("AC", 8), std::pair("ACN", 6)}) {
+        this->for_each_text(alphabet, longest_text - kShorter, [&](const std::string& text) {
+          this->compare_moves_of_all_units(
+              text, -depth * std::min(settings.mismatch_score, settings.indel_score) + 1);
+        });
+      }
+    }
+  });
+  EXPECT_GT(this->found_, 10000);
+}
+
+TYPED_TEST(BitLookAheadTest, WhatIsKeptForNeighbouringLongUnitsIsWhatThePlainRecursionDecides) {
+  for (int seed = 0; seed < 40 * kWorkload; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(static_cast<std::uint64_t>(seed));
+    Settings settings = random_unlimited_settings(random);
+    if (random.per_cent(20)) settings.maximum_scorereduction = random.between(5, 40);
+    reference::set_settings_of_the_product(settings);
+    this->compare_moves_of_neighbours(random);
+    ASSERT_FALSE(testing::Test::HasFailure()) << differential::describe(settings);
+  }
+  EXPECT_GT(this->found_, 1000);
+}
+
 TYPED_TEST(BitLookAheadTest, MakesTheMovesOfThePlainRecursionWhenTheScoreReductionIsLimited) {
   for (int seed = 0; seed < 250 * kWorkload; ++seed) {
     SCOPED_TRACE(seed);
@@ -340,7 +434,7 @@ TYPED_TEST(BitLookAheadTest, ProvesOnlyWhatHoldsForAllPathsInDivergedArrays) {
     const auto given = this->random_case(random);
     const Scoring alignment = Scoring::of_the_run();
     BitLookAhead<TypeParam> bits(alignment, given.unit, given.stop, &given.planes, given.dna.at(0),
-                                 given.memory);
+                                 given.memory, nullptr);
     this->for_random_decisions(random, given, [&](auto place, auto cursor, auto score) {
       const std::int64_t threshold = alignment.threshold(score, given.unit.length());
       const std::int64_t goal = score + random.between(-1, 10);

@@ -62,10 +62,10 @@ class PathByPath {
   FirstEditChoice choice() {
     values_.fill(kNoScore);
     for (first_ = 0; first_ < values_.size(); ++first_) edit(first_, {});
-    if (furthest_ >= last_place_ - plan_.most_edits) return {FirstEdit::kUnknown, 0};
+    if (furthest_ >= last_place_ - plan_.most_edits) return {FirstEdit::kUnknown, 0, 0};
     const auto best = std::max_element(values_.begin(), values_.end());
-    if (*best == kNoScore) return {FirstEdit::kNone, 0};
-    return {static_cast<FirstEdit>(best - values_.begin()), *best};
+    if (*best == kNoScore) return {FirstEdit::kNone, 0, 0};
+    return {static_cast<FirstEdit>(best - values_.begin()), *best, furthest_};
   }
 
  private:
@@ -119,6 +119,7 @@ TEST(PlaceSets, AllKernelsChooseWhatIsBestPathByPath) {
                                               << words << ", depth " << plan.most_edits;
         if (expected.edit < FirstEdit::kNone) {
           ASSERT_EQ(choice.value, expected.value);
+          ASSERT_EQ(choice.furthest, expected.furthest);
         }
       }
     }

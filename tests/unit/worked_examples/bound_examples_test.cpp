@@ -29,7 +29,7 @@ struct DecisionBehindAC {
       : dna("AC" + std::string(ahead)),
         unit{dna.at(0), dna.at(2)},
         planes(dna.at(0), dna.residues.size, DiagonalMasks<Forward>::kMargin),
-        bits(scoring, unit, dna.end(), &planes, dna.at(0), memory) {}
+        bits(scoring, unit, dna.end(), &planes, dna.at(0), memory, nullptr) {}
 
   Front front() const { return {dna.at(2), unit.begin}; }
 
@@ -79,9 +79,25 @@ TEST_F(BoundExamples, PlaceSetsKernelHDrawing) {
   differs[3] = ~std::uint64_t{0b01110011};
   for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
     const DiagonalWords words{{&differs[3], nullptr}};
-    EXPECT_EQ(kernel.choose({-1, -9, 1}, words, -5), (FirstEditChoice{FirstEdit::kMismatch, 0}));
-    EXPECT_EQ(kernel.choose({-1, -9, 3}, words, -5), (FirstEditChoice{FirstEdit::kMismatch, 1}));
+    const auto chosen = [&](std::int32_t depth) {
+      const FirstEditChoice choice = kernel.choose({-1, -9, depth}, words, -5);
+      return std::tuple(choice.edit, choice.value, choice.furthest);
+    };
+    EXPECT_EQ(chosen(1), std::tuple(FirstEdit::kMismatch, 0, 2));
+    EXPECT_EQ(chosen(3), std::tuple(FirstEdit::kMismatch, 1, 7));
   }
+}
+
+TEST_F(BoundExamples, DecisionMemoryH) {
+  const Dna dna("ACGTTGCAACGATGCAACG");
+  const auto unit = [&](std::ptrdiff_t begin, std::ptrdiff_t length) {
+    return UnitSpan{dna.at(begin), dna.at(begin + length)};
+  };
+  const Front front{dna.at(11), dna.at(3)};
+  DecisionMemory<Forward> decisions(dna.at(0), dna.residues.size);
+  decisions.keep(front, unit(0, 8), Move::kMismatch, 5);
+  EXPECT_EQ(decisions.find(front, unit(1, 8)), Move::kMismatch);
+  EXPECT_EQ(decisions.find(front, unit(0, 7)), std::nullopt);
 }
 
 TEST_F(BoundExamples, PlaceSetsKernelH) {
