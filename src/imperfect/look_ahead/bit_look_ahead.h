@@ -105,6 +105,7 @@ class BitLookAhead {
            scoring_.floor(unit_.length());
   }
 
+  // Unknown where a higher threshold on the way could decide otherwise.
   FirstEditChoice decide(const Front& front, std::int64_t score, std::int64_t best) {
     start_masks(front, scoring_.deepest_level());
     masks_.open(scoring_.deepest_level());
@@ -112,13 +113,14 @@ class BitLookAhead {
     FirstEditChoice choice = choose(relative(threshold, score));
     const std::int64_t highest = std::max(best, score + choice.value);
     const std::int64_t highest_threshold = scoring_.threshold(highest, unit_.length());
-    if (highest_threshold != threshold) {
-      const FirstEditChoice other = choose(relative(highest_threshold, score));
-      if (other.edit != choice.edit || other.value != choice.value)
-        choice.edit = FirstEdit::kUnknown;
-    }
-    if (masks_.has_N()) choice.edit = FirstEdit::kUnknown;
+    const bool is_certain = highest_threshold == threshold ||
+                            is_same(choose(relative(highest_threshold, score)), choice);
+    if (!is_certain || masks_.has_N()) choice.edit = FirstEdit::kUnknown;
     return choice;
+  }
+
+  static bool is_same(const FirstEditChoice& a, const FirstEditChoice& b) {
+    return a.edit == b.edit && a.value == b.value;
   }
 
   // Looks further where that is needed.
