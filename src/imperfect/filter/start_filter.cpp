@@ -24,8 +24,9 @@ constexpr int kFewEdits = 24;
 constexpr int kVeryFewEdits = 12;
 constexpr std::ptrdiff_t kShortUnit = 6;
 
-/// Starts that are less than this part of a unit apart are judged together.
-constexpr std::ptrdiff_t kGroupsInUnit = 14;
+/// Starts that are no more than this part of a unit apart are judged together. Chosen by the bench,
+/// table "Tuning".
+constexpr std::ptrdiff_t kGroupsInUnit = 8;
 
 std::size_t count_starts(const std::uint64_t* words) {
   return std::transform_reduce(
@@ -44,8 +45,7 @@ StartFilter::StartFilter(std::string_view residues, const BitPlanes& planes, uns
   const bool automaton_is_enough = length <= kShortUnit && filter_.most_edits() <= kVeryFewEdits;
   if (has_automaton_ && automaton_is_enough) return;
   bound_alone_ = !has_automaton_ || filter_.most_edits() > kFewEdits;
-  const std::ptrdiff_t group =
-      bound_alone_ ? std::max<std::ptrdiff_t>(1, length / kGroupsInUnit) : 1;
+  const std::ptrdiff_t group = bound_alone_ ? std::min(length, 1 + length / kGroupsInUnit) : 1;
   bound_.emplace(residues, UnitLengths{length, length}, min_score, group);
   if (!has_automaton_) {
     glances_ = false;

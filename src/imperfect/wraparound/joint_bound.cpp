@@ -12,7 +12,7 @@
 namespace vorlan {
 namespace {
 
-// The bench varies kLengthsInUnit, kSplit and kJointGroupsInUnit: table "Tuning".
+// The bench varies all but kFewestLengths: table "Tuning".
 
 /// Unit lengths of the largest groups: this part of the unit length, since the floor of the longest
 /// is so much lower than that of the shortest.
@@ -23,8 +23,9 @@ constexpr unsigned kFewestLengths = 2;
 /// A group has so many times the unit lengths of the next smaller ones.
 constexpr unsigned kSplit = 6;
 
-/// Starts that are less than this part of a unit apart are judged together.
+/// Starts that are no more than this part of a unit and one more apart are judged together.
 constexpr std::ptrdiff_t kJointGroupsInUnit = 14;
+constexpr std::ptrdiff_t kFewestStarts = 2;
 
 /// Enough to fill several batches of the kernel, few enough for a second between two calls that
 /// tell that work goes on.
@@ -119,7 +120,7 @@ bool JointBound::narrow_down(unsigned unit_length, std::span<SparseStarts> start
 void JointBound::judge(Level& level, const UnitLengths& lengths, std::span<SparseStarts> starts,
                        int min_score, const CAnchorSeq& anchors,
                        const std::function<void()>& is_working) {
-  const std::ptrdiff_t group = std::max<std::ptrdiff_t>(1, lengths.first / kJointGroupsInUnit);
+  const std::ptrdiff_t group = kFewestStarts + lengths.first / kJointGroupsInUnit;
   WraparoundBound bound(residues_, lengths, min_score, group, runnable_wraparound_kernels(),
                         &level.records);
   SparseStarts rejected;

@@ -149,7 +149,7 @@ TEST_F(JointBoundTest, LeavesNothingThatItsUnitLengthAloneRejects) {
   reference::set_settings_of_the_product(settings);
   const std::string residues = residues_with_copies(random, 280);
   constexpr unsigned kFirstLength = 28;
-  constexpr std::size_t kNeighbours = kFirstLength / 14 - 1;
+  constexpr std::size_t kNeighbours = 2 + kFirstLength / 14 - 1;
   constexpr int kMinScore = 12;
   JointlyJudged judged(residues, kFirstLength, 5);
   ASSERT_TRUE(judged.narrow_down(constant(kMinScore)));
