@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "errors.h"
+#include "io/json_numbers.h"
 #include "io/line_reader.h"
 
 namespace vorlan_tools {
@@ -79,7 +80,7 @@ Json advice_json(const Calibration& calibration) {
 }
 
 Calibration calibration_of(const Json& json) {
-  if (json.at(kCalibrationKey).get<int>() != kCalibrationVersion) {
+  if (whole_number<int>(json.at(kCalibrationKey)) != kCalibrationVersion) {
     throw DataError("its version is unknown");
   }
   Calibration calibration;
@@ -89,20 +90,19 @@ Calibration calibration_of(const Json& json) {
     calibration.settings.emplace_back(entry.at(0).get<std::string>(),
                                       entry.at(1).get<std::string>());
   }
-  json.at("k").get_to(calibration.k);
-  json.at("window").get_to(calibration.window);
-  json.at("copies").get_to(calibration.copies);
-  json.at("seed").get_to(calibration.seed);
-  json.at("mask_length").get_to(calibration.mask_length);
-  json.at("bases").get_to(calibration.bases);
-  json.at("copied_bases").get_to(calibration.copied_bases);
+  calibration.k = whole_number<unsigned>(json.at("k"));
+  calibration.window = stored_number(json.at("window"));
+  calibration.copies = stored_number(json.at("copies"));
+  calibration.seed = whole_number<std::uint64_t>(json.at("seed"));
+  calibration.mask_length = stored_number(json.at("mask_length"));
+  calibration.bases = stored_number(json.at("bases"));
+  calibration.copied_bases = stored_number(json.at("copied_bases"));
   if (calibration.copies < 1) throw DataError("it has no copies");
   ScoreCounts counts;
   for (const Json& entry : json.at("by_unit_length")) {
-    auto& scores = counts[entry.at("unit_length").get<std::int64_t>()];
+    auto& scores = counts[stored_number(entry.at("unit_length"))];
     for (const Json& score : entry.at("scores")) {
-      scores[score.at(0).get<std::int64_t>()] = {score.at(1).get<std::int64_t>(),
-                                                 score.at(2).get<std::int64_t>()};
+      scores[stored_number(score.at(0))] = {stored_number(score.at(1)), stored_number(score.at(2))};
     }
     if (scores.empty()) throw DataError("a unit length has no scores");
   }

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "errors.h"
+#include "io/json_numbers.h"
 #include "stats/json_keys.h"
 #include "stats/stats_json.h"
 
@@ -15,19 +16,26 @@ namespace {
 using Json = nlohmann::json;
 using Number = std::optional<std::int64_t>;
 
-/// Reads what a file holds; whatever does not fit is thrown as an exception of the JSON library.
+/// Reads what a file holds; whatever does not fit is thrown, as an exception of the JSON library or
+/// as a DataError.
 std::int64_t count_of(const Json& json, const char* key) {
   const Json& value = json.at(key);
-  return value.is_null() ? 0 : value.get<std::int64_t>();
+  return value.is_null() ? 0 : stored_number(value);
 }
 
 Number number_of(const Json& json, const char* key) {
   const Json& value = json.at(key);
-  return value.is_null() ? Number() : value.get<std::int64_t>();
+  return value.is_null() ? Number() : stored_number(value);
 }
 
 Thousandths thousandths_of(const Json& json, const char* key) {
-  return std::llround(json.at(key).get<double>() * 1000.0);
+  const Json& number = json.at(key);
+  const double thousandths = number.get<double>() * 1000.0;
+  // Up to here a double tells all thousandths apart, so that they are written again as they were.
+  if (std::abs(thousandths) > static_cast<double>(kMostStored)) {
+    refuse_number(number, "a number up to " + std::to_string(kMostStored / 1000));
+  }
+  return std::llround(thousandths);
 }
 
 Tally tally_of(const Json& json) {
@@ -44,18 +52,22 @@ Tally tally_of(const Json& json) {
   return tally;
 }
 
+/// Of a class that is stored as [class, repeats, bases]; those without repeats are not.
+Count class_count_of(const Json& entry) {
+  return {whole_number<std::int64_t>(entry.at(1), 1, kMostStored), stored_number(entry.at(2))};
+}
+
 template <typename Counts>
 void read_classes(const Json& json, Counts& counts) {
   for (const Json& entry : json) {
-    counts.at(entry.at(0).get<std::size_t>()) = {entry.at(1).get<std::int64_t>(),
-                                                 entry.at(2).get<std::int64_t>()};
+    counts.at(whole_number<std::size_t>(entry.at(0))) = class_count_of(entry);
   }
 }
 
 ByUnitLength unit_lengths_of(const Json& json) {
   ByUnitLength result;
   for (const Json& entry : json) {
-    UnitLengthStats& stats = result[entry.at("unit_length").get<std::int64_t>()];
+    UnitLengthStats& stats = result[stored_number(entry.at("unit_length"))];
     stats.tally = tally_of(entry);
     read_classes(entry.at("by_copies"), stats.by_copies);
     read_classes(entry.at("by_divergence"), stats.by_divergence);
@@ -87,14 +99,14 @@ std::vector<WindowedSequence> windows_of(const Json& json, std::size_t sequences
   std::vector<WindowedSequence> list;
   for (const Json& entry : json) {
     WindowedSequence sequence;
-    sequence.index = entry.at("index").get<std::size_t>();
+    sequence.index = whole_number<std::size_t>(entry.at("index"));
     sequence.length = count_of(entry, "length");
     const Json& repeats = entry.at("repeats");
     if (sequence.index >= sequences) throw DataError("a window has no sequence");
     for (std::size_t i = 0; i < repeats.size(); ++i) {
       Window window;
-      window.repeats = repeats.at(i).get<std::int64_t>();
-      window.covered = entry.at("covered").at(i).get<std::int64_t>();
+      window.repeats = stored_number(repeats.at(i));
+      window.covered = stored_number(entry.at("covered").at(i));
       window.longest.assign(shown_list_of(entry.at("longest").at(i)));
       sequence.windows.push_back(std::move(window));
     }
@@ -106,8 +118,7 @@ std::vector<WindowedSequence> windows_of(const Json& json, std::size_t sequences
 ClassCounts class_counts_of(const Json& json) {
   ClassCounts counts;
   for (const Json& entry : json) {
-    const Count count{entry.at(1).get<std::int64_t>(), entry.at(2).get<std::int64_t>()};
-    counts.emplace_back(entry.at(0).get<std::int64_t>(), count);
+    counts.emplace_back(stored_number(entry.at(0)), class_count_of(entry));
   }
   return counts;
 }
@@ -134,7 +145,7 @@ GenomeStats genome_of(const Json& json) {
   }
   genome.knows_edits = json.at("knows_edits").get<bool>();
   for (const Json& entry : json.at("by_sequence")) genome.sequences.push_back(sequence_of(entry));
-  if (genome.sequences.size() != json.at("sequences").get<std::size_t>()) {
+  if (genome.sequences.size() != whole_number<std::size_t>(json.at("sequences"))) {
     throw DataError("sequences are missing");
   }
   genome.tally = tally_of(json);
@@ -160,7 +171,7 @@ std::vector<GenomeStats> genomes_from_json(const std::string& text, const std::s
   };
   try {
     const Json json = Json::parse(text);
-    if (json.at(kStatsKey).get<int>() != kStatsVersion) {
+    if (whole_number<int>(json.at(kStatsKey)) != kStatsVersion) {
       throw DataError("its version is not " + std::to_string(kStatsVersion));
     }
     std::vector<GenomeStats> genomes;
