@@ -30,10 +30,16 @@ const std::map<std::string, Target> kTargets = {
     {"tsv", Target::kTsv},
 };
 
+/// BAM is compressed, whatever its name, unless asked not to be.
+Compression compression_for(const ConvertOptions& options, Target target) {
+  if (target == Target::kBam && options.output_type.empty()) return Compression::kBgzip;
+  return compression_of(options.conversion.output, options.output_type);
+}
+
 int run_convert(const ConvertOptions& options) {
   Conversion conversion = options.conversion;
   conversion.target = kTargets.at(options.target);
-  conversion.compression = compression_of(conversion.output, options.output_type);
+  conversion.compression = compression_for(options, conversion.target);
   conversion.filter = filter_of(options.filter);
   convert(conversion);
   return kSuccess;
@@ -45,6 +51,10 @@ void add_writing_options(CLI::App& command, ConvertOptions& options) {
       ->required()
       ->check(CLI::IsMember(kTargets));
   add_output_options(command, conversion.output, options.output_type);
+  command.get_option("--output-type")
+      ->description(
+          "z: compress with bgzip, u: do not (default: z for bam, and if the output ends in .gz, "
+          ".bgz or .bgzf)");
   command.add_flag("--write-index", conversion.write_index,
                    "Write the index of a bam, or of a compressed bed or gff3, beside the output");
   command.add_flag("--sort", conversion.sort, "Order by name of sequence, then start, then end");

@@ -64,12 +64,13 @@ class AlignmentFile {
   }
 
   void open(const Conversion& conversion) {
-    // Level 1 takes a quarter of the time of the usual 6, and about a third more room.
-    constexpr const char* kMode = "wb1";
+    // Level 1 takes a quarter of the time of the usual 6, and about a third more room. Level 0 only
+    // stores, still in blocks of bgzip, without which many programs do not read BAM.
+    const char* const mode = conversion.compression == Compression::kPlain ? "wb0" : "wb1";
     hFILE* const stream = hdopen(pending_.descriptor(), "w");
     if (stream == nullptr) fail();
     pending_.release_descriptor();
-    file_.reset(hts_hopen(stream, pending_.name().c_str(), kMode));
+    file_.reset(hts_hopen(stream, pending_.name().c_str(), mode));
     if (!file_) {
       hclose_abruptly(stream);
       fail();

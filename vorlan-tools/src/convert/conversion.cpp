@@ -32,9 +32,6 @@ void require_sense(const Conversion& conversion) {
   if (conversion.sort && is_alignment_target(conversion.target)) {
     throw UsageError("SAM and BAM are always in order; --sort is for the other targets.");
   }
-  if (conversion.compression == Compression::kBgzip && conversion.target == Target::kBam) {
-    throw UsageError("BAM is compressed anyway; -O z is for the other targets.");
-  }
   if (!conversion.calibration.empty() && !can_hold_false_shares(conversion.target)) {
     throw UsageError("--calibration is for bed, gff3, jsonl and tsv.");
   }

@@ -20,7 +20,7 @@ struct Conversion {
   std::string output = "-";
   std::string calibration;  ///< file of `calibrate --json`; empty: no shares of false repeats
   Target target = Target::kBed;
-  Compression compression = Compression::kPlain;
+  Compression compression = Compression::kPlain;  ///< of BAM: blocks that only store
   bool write_index = false;
   bool sort = false;
   bool cut_names = false;  ///< names end at their first white space, as samtools faidx takes them

@@ -4,9 +4,11 @@
 
 from __future__ import annotations
 
+import gzip
 import os
 import random
 import stat
+import struct
 import subprocess
 import tempfile
 import unittest
@@ -15,7 +17,26 @@ from pathlib import Path
 from random_runs import TOOLS, complaint, run_vorlan, tools
 
 ALL_TARGETS = ["bed", "gff3", "jsonl", "sam", "bam", "paf", "tsv"]
+END_OF_BGZIP = bytes.fromhex("1f8b08040000000000ff0600424302001b0003000000000000000000")
 REPEAT = "ACACACACACACACACACAC"
+
+
+def stored_blocks(packed: bytes) -> list[bytes]:
+    """What the blocks of a bgzip file hold, if each is a single stored one; the last is that of the end of the file.
+
+    A header of 18 bytes ends with the size of the block less 1. The first byte of the compressed data is 1 for a last
+    block that is stored; its length and the complement of that follow, then the bytes. CRC and length end the block."""
+    blocks = []
+    while packed:
+        size = struct.unpack_from("<H", packed, 16)[0] + 1
+        block, packed = packed[:size], packed[size:]
+        if not packed:
+            assert block == END_OF_BGZIP
+            break
+        kind, length, complement = struct.unpack_from("<BHH", block, 18)
+        assert (kind, length ^ complement, size) == (1, 0xFFFF, length + 18 + 5 + 8)
+        blocks.append(block[23:-8])
+    return blocks
 
 
 class OutputTest(unittest.TestCase):
@@ -70,22 +91,39 @@ class OutputTest(unittest.TestCase):
             tools("convert", "-t", "bed", *options, self.report, "-o", self.folder / name)
             self.assertEqual((self.folder / name).read_bytes(), plain)
 
+    def test_bam_is_compressed_unless_asked_not_to_be(self) -> None:
+        """With records for a dozen blocks. Bases repeat within every record, so that it can become smaller."""
+        self.write_report("".join(f">s{i}\n{REPEAT * 20}\n" for i in range(2000)))
+        packed = tools("convert", "-t", "bam", self.report)
+        bam = gzip.decompress(packed)
+        self.assertLess(len(packed), len(bam) // 2)
+        self.assertGreater(len(bam), 500_000)
+        for options, name in [(["-O", "z"], "z.bam"), ([], "x.gz"), ([], "x.bam")]:
+            path = self.folder / name
+            tools("convert", "-t", "bam", *options, self.report, "-o", path)
+            self.assertEqual(path.read_bytes(), packed, options)
+        for threads in ("1", "2"):
+            for name in ("u.bam", "u.gz"):
+                path = self.folder / name
+                tools("convert", "-t", "bam", "-O", "u", "-@", threads, self.report, "-o", path)
+                self.assertEqual(b"".join(stored_blocks(path.read_bytes())), bam, (threads, name))
+
     def test_threads_do_not_change_a_byte(self) -> None:
         """With rows for many blocks of 64 kB, which is what each thread compresses at once."""
         bases = "".join(random.Random(7).choices("ACGT", k=400_000))
         self.write_report(f">s\n{bases}\n>t\n{bases[::-1]}\n")
-        for target in ("bam", "bed", "jsonl"):
-            command = ("convert", "-t", target, "-O" + ("u" if target == "bam" else "z"))
+        for target, kind in (("bam", "z"), ("bam", "u"), ("bed", "z"), ("jsonl", "z")):
+            command = ("convert", "-t", target, "-O", kind)
             alone = tools(*command, self.report)
             self.assertGreater(len(alone), 10_000)
             for threads in ("1", "2", "5"):
-                self.assertEqual(tools(*command, "-@", threads, self.report), alone, (target, threads))
+                self.assertEqual(tools(*command, "-@", threads, self.report), alone, (target, kind, threads))
 
     def test_a_full_disk_with_threads(self) -> None:
-        for target in ("bam", "bed"):
+        for target, kind in (("bam", "z"), ("bam", "u"), ("bed", "z")):
             with open("/dev/full", "wb") as full:
-                done = subprocess.run([TOOLS, "convert", "-t", target, "-@", "3", "-O" + ("u" if target == "bam" else "z"),
-                                       self.report], stdout=full, stderr=subprocess.PIPE, check=False)
+                done = subprocess.run([TOOLS, "convert", "-t", target, "-@", "3", "-O", kind, self.report],
+                                      stdout=full, stderr=subprocess.PIPE, check=False)
             self.assertEqual(done.returncode, 1)
             self.assertRegex(done.stderr, b"Cannot write standard output: (No space left on device|the disk may be full)")
 
