@@ -17,6 +17,7 @@
 #include "convert/motif.h"
 #include "convert/text_append.h"
 #include "errors.h"
+#include "io/compression_threads.h"
 #include "io/pending_file.h"
 
 namespace vorlan_tools {
@@ -27,7 +28,10 @@ struct HeaderCloser {
   void operator()(sam_hdr_t* header) const { sam_hdr_destroy(header); }
 };
 struct FileCloser {
-  void operator()(htsFile* file) const { hts_close(file); }
+  CompressionThreads* threads;
+  void operator()(htsFile* file) const {
+    if (hts_close(file) != 0) threads->abandon();
+  }
 };
 struct RecordCloser {
   void operator()(bam1_t* record) const { bam_destroy1(record); }
@@ -37,7 +41,7 @@ struct RecordCloser {
 class AlignmentFile {
  public:
   AlignmentFile(const Conversion& conversion, std::int64_t longest, const std::string& header)
-      : pending_(conversion.output), record_(bam_init1()) {
+      : pending_(conversion.output), threads_(conversion.threads), record_(bam_init1()) {
     open(conversion);
     header_.reset(sam_hdr_parse(header.size(), header.c_str()));
     if (!header_ || !record_ || sam_hdr_write(file_.get(), header_.get()) != 0) fail();
@@ -53,7 +57,10 @@ class AlignmentFile {
   void finish() {
     if (index_ && sam_idx_save(file_.get()) != 0) fail();
     // On a full disk htslib 1.16 frees nothing here; see OutputFile::close().
-    if (hts_close(file_.release()) != 0) fail();
+    if (hts_close(file_.release()) != 0) {
+      threads_.abandon();
+      fail();
+    }
     pending_.commit();
     if (index_) index_->commit();
   }
@@ -75,7 +82,7 @@ class AlignmentFile {
       hclose_abruptly(stream);
       fail();
     }
-    if (conversion.threads > 1 && hts_set_threads(file_.get(), conversion.threads) != 0) fail();
+    if (!threads_.serve(file_.get())) fail();
   }
 
   void begin_index(const Conversion& conversion, std::int64_t longest) {
@@ -86,11 +93,12 @@ class AlignmentFile {
   }
 
   PendingFile pending_;
+  CompressionThreads threads_;
   std::unique_ptr<sam_hdr_t, HeaderCloser> header_;
   std::unique_ptr<bam1_t, RecordCloser> record_;
   std::optional<PendingFile> index_;
   // Closed first: until then it needs the others.
-  std::unique_ptr<htsFile, FileCloser> file_;
+  std::unique_ptr<htsFile, FileCloser> file_{nullptr, FileCloser{&threads_}};
 };
 
 std::uint32_t code_of(Operation operation) {

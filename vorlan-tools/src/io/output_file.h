@@ -9,9 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "io/compression_threads.h"
 #include "io/pending_file.h"
-
-struct BGZF;
 
 namespace vorlan_tools {
 
@@ -56,6 +55,7 @@ class OutputFile {
   [[noreturn]] void fail() const;
 
   PendingFile pending_;
+  CompressionThreads threads_;
   BGZF* bgzf_ = nullptr;
   std::vector<char> buffer_;
 };
