@@ -82,7 +82,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kGroupsInUnit", FILTER + "start_filter.cpp", ("4", "16"), (middle_units_human, long_units_human, cheap)),
         Constant("kMostRowsPerBase", WRAPAROUND + "wraparound_bound.cpp", ("8", "128"), (cheap, middle_units_human)),
         Constant("kWorthALook", WRAPAROUND + "wraparound_bound.cpp", ("16", "64"), (middle_units_human, long_units_human)),
-        Constant("kOfTen", WRAPAROUND + "wraparound_bound.cpp", ("6", "9"), (long_units_human, satellite)),
+        Constant("kOfTen", WRAPAROUND + "wraparound_bound.cpp", ("2", "8"), (long_units_human, satellite)),
         Constant("kCallsPerTry", WRAPAROUND + "wraparound_bound.cpp", ("4", "64"), (long_units_human, satellite)),
         Constant("kLengthsInUnit", WRAPAROUND + "joint_bound.cpp", ("5", "20"), (middle_units_human, long_units_human)),
         Constant("kSplit", WRAPAROUND + "joint_bound.cpp", ("3", "12"), (middle_units_human, long_units_human)),

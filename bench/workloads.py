@@ -175,7 +175,7 @@ def engine_works(divisor: int) -> list[Worth]:
         Worth("long-units-centromere", Work(("-u", "11", "-U", "30"), Genome(CENTROMERE, 200 * KBP // divisor))),
         Worth("long-units-human", Work(("-u", "91", "-U", "100"), Genome(CHR22, 200 * KBP // divisor))),
         Worth("longer-units-human", Work(("-u", "291", "-U", "300"), Genome(CHR22, 200 * KBP // divisor))),
-        Worth("satellite", Work(("-u", "151", "-U", "170"), Genome(CENTROMERE, 20 * KBP // divisor))),
+        Worth("satellite", Work(("-u", "160", "-U", "180"), Genome(CENTROMERE, 60 * KBP // divisor))),
         Worth("cheap-edits", Work(("-u", "11", "-U", "20", "-m", "-2", "-g", "-3"), Genome(ECOLI, 100 * KBP // divisor))),
         Worth("deep-look-ahead", Work(("-r", "8"), array)),
         Worth("exact-long-units", Work((*EXACT, "-U", "300"), Genome(YEAST, 4 * MBP // divisor))),

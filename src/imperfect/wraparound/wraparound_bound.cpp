@@ -31,7 +31,7 @@ constexpr std::int64_t kWorthALook = 32;
 
 /// A look is worth its time if it leaves less than so many of ten starts; it is tried once in so
 /// many calls even if not. The bench varies both: table "Tuning".
-constexpr std::size_t kOfTen = 8;
+constexpr std::size_t kOfTen = 4;
 constexpr unsigned kCallsPerTry = 16;
 
 /// With fewer starts nothing is known of a look yet; of more, those that were judged long ago count

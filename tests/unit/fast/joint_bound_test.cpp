@@ -205,7 +205,7 @@ TEST_F(JointBoundTest, CannotJudgeScoresThatDoNotFit) {
 TEST(LookRecord, LeavesOutLooksThatRejectLittle) {
   LookRecord record;
   EXPECT_TRUE(record.is_worth_it());
-  record.add(1'000, 799);
+  record.add(1'000, 399);
   EXPECT_TRUE(record.is_worth_it());
   record.add(0, 1);
   EXPECT_FALSE(record.is_worth_it());
