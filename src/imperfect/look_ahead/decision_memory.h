@@ -5,8 +5,8 @@
 //
 // Idea: neighbouring starts have nearly the same unit, and so have neighbouring unit lengths. Their
 // extensions soon stand in front of the same residue, with the same base of the sequence due, and
-// decide the same again: in a satellite array nine times of ten. So a decision is kept under its
-// place and the offset of its due base.
+// decide the same again: beside the period of a satellite four times of five. So a decision is kept
+// under its place and the offset of its due base.
 //
 // Why it is the same decision: where the score is so high that no path of the look-ahead comes down
 // to the floor, a decision depends on the residues ahead of the place and on the unit bases from
