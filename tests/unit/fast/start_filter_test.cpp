@@ -30,7 +30,7 @@ using reference::Settings;
 /// The bound of all starts that may be judged together with this one, as far as they have a unit.
 std::int64_t bound_of_neighbours(std::string_view residues, const Settings& settings,
                                  std::size_t start, std::size_t unit_length) {
-  const std::size_t distance = std::min<std::size_t>(unit_length, 1 + unit_length / 8) - 1;
+  const std::size_t distance = unit_length / 8;
   const std::size_t last = residues.size() - unit_length - 1;
   return plain_wraparound_bound(residues, settings, start - std::min(start, distance),
                                 std::min(start + distance, last), unit_length);
