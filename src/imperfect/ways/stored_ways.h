@@ -52,6 +52,17 @@ class StoredWays {
                      kWorthStoringLongUnit * (unit_length - kLongUnit)});
   }
 
+  /// Whether an extension with this unit length looks for a stored way at `place`, and can be found
+  /// there itself. Once it has met a way it is on it for good, so one that goes far need not look
+  /// everywhere: a long unit looks at one place of eight, the same ones for all ways.
+  static bool may_meet_at(std::uint32_t place, std::ptrdiff_t unit_length) {
+    if (unit_length <= kLongUnit) return true;
+    constexpr std::uint32_t kSpread = 0x9E3779B1;  // an odd number without pattern
+    const std::uint32_t spread = place * kSpread;
+    // Twice: steps of 36 places, spread once, come to every fourth value again and again.
+    return (spread ^ spread >> 15) * kSpread >> (32 - kMeetingPlaceBits) == 0;
+  }
+
   /// Whether there are so many ways, about 120 MB, that they are better forgotten.
   bool is_full() const { return nodes() > kMostNodes; }
   std::size_t nodes() const { return forward_.size() + backward_.size(); }
@@ -92,7 +103,7 @@ class StoredWays {
   static_assert(CSequence_Mol::kMaxResidues <= std::numeric_limits<std::uint32_t>::max(),
                 "places are stored in 32 bits");
 
-  /// A node takes about 124 bytes.
+  /// A node takes about 80 bytes, and 40 more where other ways may find it.
   static constexpr std::size_t kMostNodes = 1'000'000;
 
   /// Extensions that never get this far are over soon, whatever the floor; storing their ways would
@@ -105,6 +116,10 @@ class StoredWays {
   /// table "Tuning".
   static constexpr std::int64_t kLongUnit = 16;
   static constexpr std::int64_t kWorthStoringLongUnit = 64;
+
+  /// The places where long units meet are one of two to the power of this. Chosen by the bench,
+  /// table "Tuning".
+  static constexpr unsigned kMeetingPlaceBits = 3;
 
   const char* seq_begin_;
   UnitPhases phases_;

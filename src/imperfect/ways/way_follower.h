@@ -110,7 +110,8 @@ class WayFollower {
     NodeId id = kNoNode;
     for (;;) {
       const std::uint32_t place = ways_.offset_of(front.place);
-      const std::uint32_t phase = phase_of(front);
+      const bool may_meet = StoredWays::may_meet_at(place, steps_.unit().length());
+      const std::uint32_t phase = may_meet ? phase_of(front) : kUnknownPhase;
       id = forest_.find(place, phase);
       if (id != kNoNode) break;
       if (totals.score < lowest_score_) {

@@ -14,7 +14,7 @@ NodeId WayForest::add_node(const WayNode& node, const Link& link, const Counts& 
   links_.push_back(link);
   counts_.push_back(counts);
   continuation_ids_.push_back(kNoContinuation);
-  if (!node.is_terminal) ids_.insert(node.place, node.phase, id);
+  if (!node.is_terminal && node.phase != kUnknownPhase) ids_.insert(node.place, node.phase, id);
   return id;
 }
 

@@ -39,8 +39,10 @@
 // what comes behind it may still grow.
 //
 // Limits: where roots got their continuations in the order of the way, each when the one before it
-// had its own already, they have no long jumps and are passed one by one. Memory: about 124 bytes a
-// node; a forest that has grown too large is forgotten.
+// had its own already, they have no long jumps and are passed one by one. Memory: about 80 bytes a
+// node, and 40 more where other ways may find it, as they need not everywhere: a node whose phase
+// is unknown is found by none, and may stand for a decision point that has another one. A forest
+// that has grown too large is forgotten.
 
 #pragma once
 
@@ -54,10 +56,13 @@
 
 namespace vorlan {
 
+/// The phase of a decision point that no other way is to find: what stands there is not known.
+inline constexpr std::uint32_t kUnknownPhase = std::numeric_limits<std::uint32_t>::max();
+
 /// A decision point, or the point where a way ends for good.
 struct WayNode {
   std::uint32_t place;  ///< Offset of the place in the sequence.
-  std::uint32_t phase;  ///< The unit as read from the place; see UnitPhases.
+  std::uint32_t phase;  ///< The unit as read from the place, see UnitPhases, or kUnknownPhase.
   Move move = Move::kNone;
   bool is_terminal = false;  ///< End of the sequence, or an N run that is too long.
 };
@@ -79,7 +84,9 @@ class WayForest {
   const WayNode& operator[](NodeId id) const { return nodes_[id]; }
 
   /// The decision point at `place` with `phase`, or kNoNode.
-  NodeId find(std::uint32_t place, std::uint32_t phase) const { return ids_.find(place, phase); }
+  NodeId find(std::uint32_t place, std::uint32_t phase) const {
+    return phase == kUnknownPhase ? kNoNode : ids_.find(place, phase);
+  }
 
   /// Adds a root.
   NodeId add_root(std::uint32_t place, std::uint32_t phase, bool is_terminal);

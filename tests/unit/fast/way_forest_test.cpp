@@ -267,6 +267,19 @@ TEST(WayForest, JumpsAlongTheTreeAndStaysAtItsRoot) {
   EXPECT_EQ(forest.jump(id), id);
 }
 
+TEST(WayForest, FollowsNodesThatNoOtherWayIsToFind) {
+  WayForest forest(true);
+  const NodeId end = forest.add_root(9, 0, true);
+  const NodeId unknown = forest.add(5, kUnknownPhase, Move::kMismatch, end, {3, 1, 0, 0, 0});
+  const NodeId same_place = forest.add(5, kUnknownPhase, Move::kInsertion, end, {2, 0, 1, 0, 0});
+  const NodeId first = forest.add(1, 0, Move::kMismatch, unknown, {4, 1, 0, 0, 0});
+  EXPECT_EQ(forest.find(5, kUnknownPhase), kNoNode);
+  EXPECT_EQ(forest.find(1, 0), first);
+  EXPECT_EQ(forest.after(first), unknown);
+  EXPECT_NE(unknown, same_place);
+  EXPECT_EQ(forest.follow(first, {0, 0, 0, 0, 0}, 0, 0).totals, (AlignmentTotals{7, 2, 0, 0, 0}));
+}
+
 TEST(WayForest, KnowsNothingAfterItWasCleared) {
   WayForest forest(true);
   add_even_way(forest, 2000, 1);
