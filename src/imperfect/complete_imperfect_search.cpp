@@ -71,7 +71,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(unsigned unit_len
       if (!scan.is_unit(unit)) continue;
       Csat& sat = spare.candidate(unit, unit + unit_len);
       PassedOver passed_over;
-      marks.make_room_for_ways();
+      marks.make_room();
       if (!record.extend_and_accept(sat, thresholds, passed_over)) continue;
       spare.move_to(results);
       marks.accept({&sat, std::move(passed_over)}, unit);

@@ -37,7 +37,9 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
     }
     if (!record.may_reach(seed, thresholds.score)) return false;
     PassedOver passed_over;
-    return record.extend_and_accept(seed, thresholds, passed_over);
+    if (!record.extend_and_accept(seed, thresholds, passed_over)) return false;
+    if (seed.events_pending) seed.missense.release();
+    return true;
   });
 }
 

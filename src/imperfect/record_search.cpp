@@ -14,8 +14,7 @@
 namespace vorlan {
 namespace {
 
-/// Alignments with more edits than this, in stored ways, do not note them. Chosen by the bench,
-/// table "Tuning".
+/// Alignments with more edits than this do not keep them. Chosen by the bench, table "Tuning".
 constexpr std::uint32_t kMostNotedEdits = 64;
 
 std::size_t margin_of_planes(unsigned longest_unit) {
@@ -86,12 +85,11 @@ bool RecordSearch::extend_and_accept(Csat& sat, const Thresholds& thresholds,
   extend<Backward>(sat, begin(), *this, passed_over.backward, thresholds.score);
   sat.trim_Ns();
   if (!sat.reaches(thresholds.score, thresholds.length)) return false;
-  if (notes_events(sat)) {
-    ways_.append_events<Forward>(passed_over.forward, sat);
-    ways_.append_events<Backward>(passed_over.backward, sat);
-    passed_over = {};
-  }
-  sat.events_pending = !passed_over.forward.empty() || !passed_over.backward.empty();
+  sat.events_pending = !notes_events(sat);
+  if (sat.events_pending) return true;
+  ways_.append_events<Forward>(passed_over.forward, sat);
+  ways_.append_events<Backward>(passed_over.backward, sat);
+  passed_over = {};
   sat.sort_missense();
   return true;
 }

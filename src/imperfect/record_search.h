@@ -39,8 +39,9 @@ struct SimilarStarts {
 /// the first candidate until the events of the reported repeats are complete.
 ///
 /// Events on demand: of the thousands of long alignments that an array yields nearly all are
-/// removed again. An alignment is a function of its start, so those with many edits do not note
-/// their events; `complete_events` makes the alignments of the repeats that stay once more.
+/// removed again. An alignment is a function of its start, so those with many edits keep their
+/// events only until marks have been painted with them; `complete_events` makes the alignments of
+/// the repeats that stay once more.
 ///
 /// Example: an array of AC, 41 perfect bases and then 65 mismatches, each with 19 perfect bases
 /// behind it. The first extension walks up to the first mismatch and passes over the way from
@@ -100,8 +101,8 @@ class RecordSearch {
   bool may_reach(const Csat& seed, int min_score);
 
   /// Extends `sat` in both directions and trims it. Returns whether it reaches the thresholds; only
-  /// then its events are sorted, and complete unless there are many: those are left in
-  /// `passed_over`, as `sat.events_pending` says.
+  /// then its events are sorted and complete, unless there are many, as `sat.events_pending` says:
+  /// some of those are left in `passed_over`, and the others may be released once they are painted.
   bool extend_and_accept(Csat& sat, const Thresholds& thresholds, PassedOver& passed_over);
 
   /// Extends `sat` in one direction with all events.

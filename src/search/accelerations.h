@@ -26,7 +26,7 @@ struct Accelerations {
   bool merged_look_ahead = true;  ///< imperfect/look_ahead/merged_look_ahead.h
   bool shared_ways = true;        ///< imperfect/ways/way_forest.h
   bool late_marks = true;         ///< imperfect/late_marks/mark_painter.h
-  bool events_on_demand = true;   ///< imperfect/record_search.h; works on shared ways alone
+  bool events_on_demand = true;   ///< imperfect/record_search.h
 
   /// All left out.
   static constexpr Accelerations none();

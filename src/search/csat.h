@@ -93,7 +93,7 @@ class Csat {
   std::unique_ptr<AuxObject> aux_object;
   std::uint8_t recursion_level = 0;  ///< Where the look-ahead starts counting; always 0.
   fastvector<Missense> missense;
-  bool events_pending = false;  ///< `missense` is not complete; see complete_events.
+  bool events_pending = false;  ///< `missense` is not to be relied on; see complete_events.
 };
 
 /// What a candidate is before it is extended over edits.

@@ -34,6 +34,13 @@ class fastvector {
     buf[size++] = x;
   }
 
+  /// Empties it and gives its memory back.
+  void release() {
+    std::free(buf);
+    buf = nullptr;
+    size = capacity = 0;
+  }
+
   T* begin() { return buf; }
   T* end() { return buf + size; }
   const T* begin() const { return buf; }

@@ -164,9 +164,8 @@ bool works_in(const vorlan::NamedAcceleration& engine, Mode mode) {
   return !is(&Accelerations::run_samples) && !is(&Accelerations::exact_filter);
 }
 
-// Each engine alone. Events on demand come from shared ways, the joint bound judges what the
-// self-alignment lets pass, and decisions by bits are those that are kept: they can do nothing
-// without.
+// Each engine alone. The joint bound judges what the self-alignment lets pass, and decisions by
+// bits are those that are kept: they can do nothing without.
 std::vector<Trial> trials_apart(const Trial& together) {
   using vorlan::Accelerations;
   std::vector<Trial> trials;
@@ -179,7 +178,6 @@ std::vector<Trial> trials_apart(const Trial& together) {
     if (!works_in(engine, together.mode)) continue;
     trial.engines = Accelerations::none();
     trial.engines.*engine.is_on = true;
-    if (engine.is_on == &Accelerations::events_on_demand) trial.engines.shared_ways = true;
     if (engine.is_on == &Accelerations::joint_bound) trial.engines.self_alignment = true;
     if (engine.is_on == &Accelerations::kept_decisions) trial.engines.bit_look_ahead = true;
     trial.buffer = trial.engines.series_filter ? Buffer::kSeries : Buffer::kReused;

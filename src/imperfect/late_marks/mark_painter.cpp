@@ -53,7 +53,11 @@ void MarkPainter::paint_until(const char* end) {
 void MarkPainter::accept(AcceptedRepeat repeat, const char* scan_position) {
   const char* begin = repeat.sat->pos_left;
   const char* end = repeat.sat->pos_right;
-  if (!is_late_) return paint_stretch(repeat, begin, end);
+  if (!is_late_) {
+    paint_stretch(repeat, begin, end);
+    return release_events(*repeat.sat);
+  }
+  waiting_events_ += repeat.sat->missense.size;
   repeats_.push_back(std::move(repeat));
   cover(begin, end, repeats_.size() - 1);
   // The scan goes on with the next start and looks at one mark before it.
@@ -62,18 +66,24 @@ void MarkPainter::accept(AcceptedRepeat repeat, const char* scan_position) {
   if (first < last) paint_stretch(repeats_.back(), first, last);
 }
 
-void MarkPainter::make_room_for_ways() {
-  if (!ways_.is_full()) return;
+void MarkPainter::make_room() {
+  if (!ways_.is_full() && waiting_events_ <= kMostEventsToWait) return;
   finish();
-  ways_.forget();
+  if (ways_.is_full()) ways_.forget();
 }
 
 void MarkPainter::finish() {
   for (const auto& [begin, stretch] : stretches_) {
     paint_stretch(repeats_[stretch.repeat], begin, stretch.end);
   }
+  for (const AcceptedRepeat& repeat : repeats_) release_events(*repeat.sat);
   stretches_.clear();
   repeats_.clear();
+  waiting_events_ = 0;
+}
+
+void MarkPainter::release_events(Csat& sat) {
+  if (sat.events_pending) sat.missense.release();
 }
 
 MarkPainter::Stretches::iterator MarkPainter::split_at(const char* position) {

@@ -15,7 +15,7 @@ namespace vorlan {
 /// An accepted repeat of the current unit length, with the parts of its alignment that stand in
 /// stored ways instead of in its events.
 struct AcceptedRepeat {
-  const Csat* sat;
+  Csat* sat;
   PassedOver passed_over;
 };
 
@@ -37,7 +37,8 @@ struct AcceptedRepeat {
 /// every mark would be painted once either way: repeats that lie side by side gain nothing.
 ///
 /// Cost: a map entry for each stretch, each mark painted once or twice. Without late marks the
-/// painter paints each repeat whole when it is accepted.
+/// painter paints each repeat whole when it is accepted. Events that are pending are released when
+/// they have been painted: 32 MB of them at most, and those of one repeat, wait for that.
 class MarkPainter {
  public:
   /// Paints `anchors`, the marks of the record. Both must outlive the painter.
@@ -57,10 +58,11 @@ class MarkPainter {
   /// until `finish`.
   void accept(AcceptedRepeat repeat, const char* scan_position);
 
-  /// Forgets the stored ways if there are too many, after painting what needs them.
-  void make_room_for_ways();
+  /// Forgets the stored ways if there are too many, and releases events if too many wait, after
+  /// painting what needs them.
+  void make_room();
 
-  /// Makes all marks right. Afterwards the painter needs no stored ways.
+  /// Makes all marks right. Afterwards the painter needs no stored ways and no events.
   void finish();
 
  private:
@@ -70,9 +72,12 @@ class MarkPainter {
   };
   using Stretches = std::map<const char*, Stretch>;
 
+  static constexpr std::size_t kMostEventsToWait = 2'000'000;  ///< 16 bytes each.
+
   void cover(const char* begin, const char* end, std::size_t repeat);
   Stretches::iterator split_at(const char* position);
   void paint(const char* begin, const char* end);
+  static void release_events(Csat& sat);
   void paint_stretch(const AcceptedRepeat& repeat, const char* begin, const char* end);
   template <class Direction>
   void open_edits(const WaySegment& segment, const char* begin, const char* end);
@@ -82,7 +87,8 @@ class MarkPainter {
   bool is_late_;
   const char* painted_until_;
   std::vector<AcceptedRepeat> repeats_;
-  Stretches stretches_;  ///< Disjoint, by begin.
+  std::size_t waiting_events_ = 0;  ///< Of those repeats.
+  Stretches stretches_;             ///< Disjoint, by begin.
 };
 
 }  // namespace vorlan

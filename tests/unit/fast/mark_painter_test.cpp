@@ -229,6 +229,85 @@ TEST_F(MarkPainterWithStoredWays, PaintsEditsOnThemAsIfEachRepeatWerePaintedAtOn
   EXPECT_GT(segments, 500U * kWorkload);
 }
 
+/// A repeat over all of `dna` with so many edits in its middle that they are pending.
+void make_repeat_with_pending_events(const Dna& dna, std::size_t events, Csat& sat) {
+  sat.init(dna.at(0), dna.end());
+  for (std::size_t i = 0; i < events; ++i) sat.missense.push_back({dna.at(50), kMismatchEvent});
+  sat.events_pending = true;
+}
+
+/// A painter, late or not, over 100 residues.
+struct PaintedResidues {
+  explicit PaintedResidues(bool late_marks)
+      : dna(std::string(100, 'A')),
+        record(dna.residues.view(), 1, SeedKind::kUnit, {.late_marks = late_marks}),
+        anchors(dna.at(0), 100),
+        painter(anchors, record) {}
+
+  bool is_open(int position) const {
+    return (anchors.may_anchor(position / 64, 1) >> position % 64 & 1) != 0;
+  }
+
+  const Dna dna;
+  RecordSearch record;
+  CAnchorSeq anchors;
+  MarkPainter painter;
+};
+
+TEST(MarkPainter, ReleasesPendingEventsWhenAllMarksArePainted) {
+  PaintedResidues painted(true);
+  Csat pending;
+  make_repeat_with_pending_events(painted.dna, 65, pending);
+  Csat complete;
+  make_repeat_with_pending_events(painted.dna, 64, complete);
+  complete.events_pending = false;
+  painted.painter.accept({&complete, {}}, painted.dna.at(0));
+  painted.painter.accept({&pending, {}}, painted.dna.at(0));
+  EXPECT_EQ(pending.missense.size, 65U);
+  painted.painter.finish();
+  EXPECT_EQ(pending.missense.buf, nullptr);
+  EXPECT_EQ(complete.missense.size, 64U);
+  EXPECT_TRUE(painted.is_open(50));
+  EXPECT_FALSE(painted.is_open(52));
+}
+
+TEST(MarkPainter, ReleasesPendingEventsAtOnceWhenItPaintsAtOnce) {
+  PaintedResidues painted(false);
+  Csat pending;
+  make_repeat_with_pending_events(painted.dna, 65, pending);
+  painted.painter.accept({&pending, {}}, painted.dna.at(0));
+  EXPECT_EQ(pending.missense.buf, nullptr);
+  EXPECT_TRUE(painted.is_open(50));
+  EXPECT_FALSE(painted.is_open(52));
+}
+
+TEST(MarkPainter, MakesRoomWhenMoreThanTwoMillionEventsWait) {
+  PaintedResidues painted(true);
+  Csat many;
+  make_repeat_with_pending_events(painted.dna, 1'999'999, many);
+  Csat few;
+  make_repeat_with_pending_events(painted.dna, 1, few);
+  Csat one_more;
+  make_repeat_with_pending_events(painted.dna, 1, one_more);
+  painted.painter.accept({&many, {}}, painted.dna.at(0));
+  painted.painter.accept({&few, {}}, painted.dna.at(0));
+  painted.painter.make_room();
+  EXPECT_EQ(many.missense.size, 1'999'999U);
+  painted.painter.accept({&one_more, {}}, painted.dna.at(0));
+  painted.painter.make_room();
+  EXPECT_EQ(many.missense.buf, nullptr);
+  EXPECT_EQ(few.missense.buf, nullptr);
+  EXPECT_EQ(one_more.missense.buf, nullptr);
+  EXPECT_TRUE(painted.is_open(50));
+  EXPECT_FALSE(painted.is_open(52));
+  // What waited is painted: room is made anew only when as much waits again.
+  Csat next;
+  make_repeat_with_pending_events(painted.dna, 2'000'000, next);
+  painted.painter.accept({&next, {}}, painted.dna.at(0));
+  painted.painter.make_room();
+  EXPECT_EQ(next.missense.size, 2'000'000U);
+}
+
 /// The repeats of a search for one unit length in the order in which it found them: by their start.
 std::vector<const Csat*> in_order_of_starts(const std::list<Csat*>& sats) {
   std::vector<const Csat*> ordered(sats.begin(), sats.end());

@@ -91,6 +91,27 @@ TEST_F(ExtendExact, OverlapRemovalLeavesTheFirstOfEqualHalves) {
   EXPECT_THAT(found.spans(), ElementsAre(Span{0, 29, 0, 2}));
 }
 
+/// Perfect copies of AC and then `mismatches` T, each with 10 perfect copies behind it.
+std::string array_with_mismatches(int mismatches) {
+  std::string copies_behind_a_mismatch = "T";
+  copies_behind_a_mismatch += repeated("CA", 10) + "C";
+  return repeated("AC", 20) + repeated(copies_behind_a_mismatch, mismatches);
+}
+
+TEST_F(ExtendExact, ARepeatWithManyEditsHoldsNoneUntilItIsToBeReported) {
+  for (const unsigned mismatches : {64U, 65U}) {
+    ExtendedRepeats found(array_with_mismatches(static_cast<int>(mismatches)));
+    const bool are_held = mismatches == 64;
+    ASSERT_FALSE(found.controller.imperfect_sats.empty());
+    EXPECT_EQ(found.first().mismatches, mismatches);
+    EXPECT_EQ(found.first().events_pending, !are_held);
+    EXPECT_EQ(found.first().missense.size, are_held ? mismatches : 0);
+    EXPECT_EQ(found.first().missense.buf != nullptr, are_held);
+    found.controller.complete_events(found.controller.imperfect_sats);
+    EXPECT_EQ(found.first().missense.size, mismatches);
+  }
+}
+
 // Seeds of score 12 close their spans only when the user would see them. Otherwise each start is a
 // seed: 0 to 12 in the left half and 15 to 26 in the right one.
 TEST_F(ExtendExact, ASeedBelowTheThresholdsOfTheUserLeavesItsSpanOpen) {

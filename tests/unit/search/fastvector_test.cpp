@@ -50,6 +50,18 @@ TEST(FastVector, AnEmptiedVectorDoesNotAllocateUntilItsOldCapacityIsExceeded) {
   EXPECT_EQ(numbers.capacity, 8U);
 }
 
+TEST(FastVector, AReleasedVectorHasNoMemoryAndBeginsAgainWith4) {
+  fastvector<int> numbers;
+  for (int i = 0; i < 9; ++i) numbers.push_back(i);
+  numbers.release();
+  EXPECT_EQ(numbers.buf, nullptr);
+  EXPECT_EQ(numbers.size, 0U);
+  EXPECT_EQ(numbers.capacity, 0U);
+  numbers.push_back(7);
+  EXPECT_EQ(numbers.capacity, 4U);
+  EXPECT_EQ(numbers.buf[0], 7);
+}
+
 // A vector that claims to be full at 2^31 elements cannot double within 32 bits.
 TEST(FastVectorDeathTest, AGrowthBeyond32BitsEndsTheProcessWithAMessageAndStatus0) {
   fastvector<int> numbers;
