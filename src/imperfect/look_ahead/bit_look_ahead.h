@@ -128,10 +128,12 @@ class BitLookAhead {
     const PlaceSetsPlan plan{static_cast<std::int32_t>(scoring_.mismatch_score),
                              static_cast<std::int32_t>(scoring_.indel_score),
                              scoring_.deepest_level()};
-    const FirstEditChoice choice =
-        memory_.choose_first_edit(plan, {{masks_.words(0), nullptr}}, threshold);
-    if (choice.edit != FirstEdit::kUnknown) return choice;
-    return memory_.choose_first_edit(plan, {{masks_.words(0), masks_.words(1)}}, threshold);
+    FirstEditChoice choice{};
+    for (const std::int32_t words : kWordsOfSets) {
+      choice = memory_.choose_first_edit(plan, masks_.words(words), threshold);
+      if (choice.edit != FirstEdit::kUnknown) break;
+    }
+    return choice;
   }
 
   static std::optional<Move> move_of(FirstEdit edit) {

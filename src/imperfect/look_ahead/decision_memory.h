@@ -69,16 +69,16 @@ class DecisionMemory {
   void keep(const Front& front, const UnitSpan& unit, Move move, std::int32_t bases_read) {
     if (bases_read > Direction::bases_left(front.cursor, unit)) return;
     if (decisions_.empty()) decisions_.resize(slots_);
-    assert(bases_read >= 0 && bases_read <= std::numeric_limits<std::uint8_t>::max());
+    assert(bases_read >= 0 && bases_read <= std::numeric_limits<std::uint16_t>::max());
     decisions_[slot(front)] = {offset_of(front.place), offset_of(front.cursor),
-                               static_cast<std::uint8_t>(bases_read), move};
+                               static_cast<std::uint16_t>(bases_read), move};
   }
 
  private:
   struct Decision {
     std::uint32_t place = kNoPlace;
     std::uint32_t due = 0;
-    std::uint8_t bases_read = 0;
+    std::uint16_t bases_read = 0;
     Move move = Move::kNone;
   };
   static constexpr std::uint32_t kNoPlace = std::numeric_limits<std::uint32_t>::max();

@@ -8,7 +8,9 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
+#include "imperfect/look_ahead/place_sets_kernel.h"
 #include "imperfect/look_ahead/unit_strip.h"
 #include "imperfect/look_ahead/words_ahead.h"
 #include "search/bit_planes.h"
@@ -77,11 +79,11 @@ class DiagonalMasks {
     return next_mismatch_further_on(diagonal, advance);
   }
 
-  /// Where the kBits residues of a word do not match on diagonal 0, the lowest bit for the nearest.
-  /// The words of the other open diagonals lie beside it, in their order. Requires word < kWords.
-  const std::uint64_t* words(std::int32_t word) {
-    for (; words_ <= word; ++words_) write_masks(words_);
-    return &mask(word, 0);
+  /// Where the next `count` times kBits residues do not match on the open diagonals. Requires a
+  /// count of at most kWords. The words are valid until the next call of `start`.
+  DiagonalWords words(std::int32_t count) {
+    for (; words_ < count; ++words_) write_masks(words_);
+    return {&mask(0, 0), std::ssize(masks_[0]), count};
   }
 
   /// Whether an N is among the residues that masks have been made of.

@@ -150,7 +150,7 @@ class Decision {
     for (std::int32_t w = 0; w < kWords; ++w) {
       // The last place ends all walks; from there nothing is known.
       const std::uint64_t end = w + 1 < kWords ? 0 : std::uint64_t{1} << (kBits - 1);
-      const Words differs = in_all(differs_.words[w][diagonal] | end);
+      const Words differs = in_all(differs_.first[w * differs_.distance + diagonal] | end);
       const Words matches = ~differs;
       const Words begins = arrivals.words[w] & matches;
       const Words sum = matches + begins + carried;
@@ -240,7 +240,7 @@ class Decision {
   }
 
   const PlaceSetsPlan plan_;
-  const DiagonalWords& differs_;
+  const DiagonalWords differs_;
   const std::int32_t threshold_;
   PlaceSets sets_[kSide][kSide];  ///< Behind the last edits made.
   PlaceSets all_{};               ///< All places where walks have ended.
@@ -264,8 +264,14 @@ FirstEditChoice choose(const PlaceSetsPlan& plan, const DiagonalWords& differs,
 
 FirstEditChoice choose_first_edit(const PlaceSetsPlan& plan, const DiagonalWords& differs,
                                   std::int32_t threshold) {
-  return differs.words[1] == nullptr ? choose<1>(plan, differs, threshold)
-                                     : choose<2>(plan, differs, threshold);
+  switch (differs.count) {
+    case 1:
+      return choose<1>(plan, differs, threshold);
+    case 2:
+      return choose<2>(plan, differs, threshold);
+    default:
+      return choose<kMostWordsOfSets>(plan, differs, threshold);
+  }
 }
 
 }  // namespace vorlan::VORLAN_FILTER_LEVEL

@@ -37,14 +37,15 @@
 // the same place: one bit. An insertion alone and a mismatch alone do not, since their diagonals
 // differ.
 //
-// Limits: an N is passed without a gain, and beyond 64 places less those that leads may differ
-// nothing is known; such decisions are left to others.
+// Limits: an N is passed without a gain, and beyond the last place less those that leads may differ
+// nothing is known; such decisions are tried again with more words, or left to others.
 //
 // Cost: some 15 instructions for each numbers of edits, 50 of them at depth 5; no branch depends on
 // the residues, and no memory is needed.
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vorlan {
@@ -59,11 +60,18 @@ struct PlaceSetsPlan {
 /// More edits are left to others: the sets grow with the square of them.
 inline constexpr std::int32_t kMostEditsOfSets = 7;
 
+/// How many words of 64 places a decision may look at.
+inline constexpr std::int32_t kWordsOfSets[] = {1, 2, 4};
+inline constexpr std::int32_t kMostWordsOfSets = 4;
+
 /// Where the residues ahead differ from the unit: a bit for each place, the lowest for the nearest.
-/// `words` has the words of the first 64 places and those of the next 64, or none: each points at
-/// the word of diagonal 0 in those of the diagonals from -`most_edits` to `most_edits`.
+/// `first` is the word of the first 64 places on diagonal 0, between those of the diagonals from
+/// -`most_edits` to `most_edits`. Those of the next 64 places lie `distance` words further on, and
+/// so on: for `count` times 64 places, one of kWordsOfSets.
 struct DiagonalWords {
-  const std::uint64_t* words[2];
+  const std::uint64_t* first;
+  std::ptrdiff_t distance;
+  std::int32_t count;
 };
 
 /// The first moves, in the order that decides ties, and what else a decision may be.

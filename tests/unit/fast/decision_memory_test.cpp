@@ -53,6 +53,16 @@ TEST_F(DecisionMemoryTest, WhatWasReadAcrossTheEndOfTheUnitIsNotKept) {
   EXPECT_EQ(backward_.find({at(5), at(14)}, unit(3, 30)), std::nullopt);
 }
 
+TEST(DecisionMemory, HoldsWhatManyBasesWereReadFor) {
+  const std::string residues(700, 'A');
+  const auto at = [&](std::ptrdiff_t offset) { return residues.data() + offset; };
+  DecisionMemory<Forward> decisions(residues.data(), residues.size());
+  const Front front{at(350), at(0)};
+  decisions.keep(front, {at(0), at(350)}, Move::kMismatch, 263);
+  EXPECT_EQ(decisions.find(front, {at(0), at(263)}), Move::kMismatch);
+  EXPECT_EQ(decisions.find(front, {at(0), at(262)}), std::nullopt);
+}
+
 // A record without residues gets a single slot, so that all decisions meet there.
 TEST_F(DecisionMemoryTest, ADecisionHoldsForItsPlaceAndItsDueBaseAlone) {
   DecisionMemory<Forward> single(residues_.data(), 0);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 
 #include "imperfect/look_ahead/bit_look_ahead.h"
 #include "imperfect/look_ahead/place_sets_kernel.h"
@@ -35,9 +36,9 @@ class Masks {
     }
   }
 
-  /// With the words of one or two times 64 places.
+  /// With the words of so many times 64 places.
   DiagonalWords words(std::int32_t count) const {
-    return {{middle(0), count == 2 ? middle(1) : nullptr}};
+    return {middle(0), std::ssize(words_[0]), count};
   }
 
   bool differs(std::int32_t diagonal, std::int32_t place) const {
@@ -49,7 +50,7 @@ class Masks {
     return &words_[static_cast<std::size_t>(word)][kMostEditsOfSets];
   }
 
-  std::array<std::array<std::uint64_t, 2 * kMostEditsOfSets + 1>, 2> words_{};
+  std::array<std::array<std::uint64_t, 2 * kMostEditsOfSets + 1>, kMostWordsOfSets> words_{};
 };
 
 /// Path by path: the highest score behind each first move.
@@ -102,15 +103,15 @@ class PathByPath {
 };
 
 TEST(PlaceSets, AllKernelsChooseWhatIsBestPathByPath) {
-  std::array<std::array<int, 5>, 2> choices{};
+  std::array<std::array<int, 5>, kMostWordsOfSets> choices{};
   for (int seed = 0; seed < 2000; ++seed) {
     Random random(static_cast<std::uint64_t>(seed));
     PlaceSetsPlan plan{random.between(-9, -1), random.between(-9, -1),
                        random.between(1, kMostEditsOfSets)};
     if (random.per_cent(50)) plan.indel_score = plan.mismatch_score;
-    const Masks masks(random, random.between(10, 95));
+    const Masks masks(random, random.between(10, 99));
     const std::int32_t threshold = random.between(-60, 0);
-    for (const std::int32_t words : {1, 2}) {
+    for (const std::int32_t words : kWordsOfSets) {
       const FirstEditChoice expected = PathByPath(plan, masks, words, threshold).choice();
       ++choices[static_cast<std::size_t>(words - 1)][static_cast<std::size_t>(expected.edit)];
       for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
@@ -124,8 +125,8 @@ TEST(PlaceSets, AllKernelsChooseWhatIsBestPathByPath) {
       }
     }
   }
-  for (const auto& of_words : choices) {
-    for (const int times : of_words) EXPECT_GT(times, 50);
+  for (const std::int32_t words : kWordsOfSets) {
+    for (const int times : choices[static_cast<std::size_t>(words - 1)]) EXPECT_GT(times, 50);
   }
 }
 
@@ -134,15 +135,23 @@ TEST(PlaceSets, EveryProcessorRunsThePortableKernel) {
 }
 
 TEST(PlaceSets, APathThatWalksFromOneWordIntoTheNextArrivesWhereItWould) {
-  // All matches on diagonal 0 from place 1 to 69; none elsewhere.
-  std::array<std::array<std::uint64_t, 3>, 2> words{};
-  for (auto& of_words : words) of_words.fill(~std::uint64_t{0});
-  words[0][1] = 1;
-  words[1][1] = ~std::uint64_t{0} << 6;
-  const PlaceSetsPlan plan{-5, -5, 1};
-  for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
-    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], nullptr}}, -10).edit, FirstEdit::kUnknown);
-    EXPECT_EQ(kernel.choose(plan, {{&words[0][1], &words[1][1]}}, -10).edit, FirstEdit::kMismatch);
+  // All matches on diagonal 0 from place 1 to the last but 58; none elsewhere.
+  for (const std::size_t last_word : {1U, 3U}) {
+    std::array<std::array<std::uint64_t, 3>, kMostWordsOfSets> words{};
+    for (auto& of_words : words) of_words.fill(~std::uint64_t{0});
+    for (std::size_t word = 0; word < last_word; ++word) words[word][1] = 0;
+    words[0][1] = 1;
+    words[last_word][1] = ~std::uint64_t{0} << 6;
+    const auto count = static_cast<std::int32_t>(last_word + 1);
+    const PlaceSetsPlan plan{-5, -5, 1};
+    for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
+      const auto choice = [&](std::int32_t of_words) {
+        return kernel.choose(plan, {&words[0][1], std::ssize(words[0]), of_words}, -10);
+      };
+      EXPECT_EQ(choice(count / 2).edit, FirstEdit::kUnknown);
+      EXPECT_EQ(choice(count).edit, FirstEdit::kMismatch);
+      EXPECT_EQ(choice(count).furthest, 64 * (count - 1) + 6);
+    }
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -78,7 +79,7 @@ TEST_F(BoundExamples, PlaceSetsKernelHDrawing) {
   differs.fill(~std::uint64_t{0});
   differs[3] = ~std::uint64_t{0b01110011};
   for (const PlaceSetsKernel& kernel : runnable_place_sets_kernels()) {
-    const DiagonalWords words{{&differs[3], nullptr}};
+    const DiagonalWords words{&differs[3], std::ssize(differs), 1};
     const auto chosen = [&](std::int32_t depth) {
       const FirstEditChoice choice = kernel.choose({-1, -9, depth}, words, -5);
       return std::tuple(choice.edit, choice.value, choice.furthest);
