@@ -45,6 +45,7 @@ def constants(divisor: int) -> list[Constant]:
     middle_units_human = Work(("-u", "41", "-U", "50"), Genome(CHR22, 200 * KBP // divisor))
     long_units_human = Work(("-u", "291", "-U", "300"), Genome(CHR22, 20 * KBP // divisor))
     satellite = Work(("-u", "170", "-U", "180"), Genome(CENTROMERE, 60 * KBP // divisor))
+    long_satellite = Work(("-u", "178", "-U", "178"), Genome(CENTROMERE, 640 * KBP // divisor))
     cheap = Work(("-u", "11", "-U", "20", "-m", "-2", "-g", "-3"), Genome(ECOLI, 20 * KBP // divisor))
     tiny_records = Work(DEFAULTS, background_records(4 * MBP // divisor, 150))
     records_long_units = Work(("-u", "51", "-U", "60"), background_records(200 * KBP // divisor, 1000))
@@ -108,5 +109,7 @@ def constants(divisor: int) -> list[Constant]:
         Constant("kWorthStoring", "src/imperfect/ways/stored_ways.h", ("0", "30"), (*extended, extended_array)),
         Constant("kWorthStoringLongUnit", "src/imperfect/ways/stored_ways.h", ("16", "256"),
                  (middle_units_human, long_units_human, satellite)),
+        Constant("kMeetingPlaceBits", "src/imperfect/ways/stored_ways.h", ("0", "6"), (long_satellite,)),
+        Constant("kMostNodes", "src/imperfect/ways/stored_ways.h", ("200'000", "2'000'000"), (long_satellite, array)),
         Constant("kMostNotedEdits", "src/imperfect/record_search.cpp", ("16", "256"), (array, at_rich)),
     ]

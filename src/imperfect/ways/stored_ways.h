@@ -63,7 +63,7 @@ class StoredWays {
     return (spread ^ spread >> 15) * kSpread >> (32 - kMeetingPlaceBits) == 0;
   }
 
-  /// Whether there are so many ways, about 120 MB, that they are better forgotten.
+  /// Whether there are so many ways, about 70 MB, that they are better forgotten.
   bool is_full() const { return nodes() > kMostNodes; }
   std::size_t nodes() const { return forward_.size() + backward_.size(); }
 
@@ -104,7 +104,7 @@ class StoredWays {
                 "places are stored in 32 bits");
 
   /// A node takes about 80 bytes, and 40 more where other ways may find it.
-  static constexpr std::size_t kMostNodes = 1'000'000;
+  static constexpr std::size_t kMostNodes = 600'000;
 
   /// Extensions that never get this far are over soon, whatever the floor; storing their ways would
   /// cost more than it saves. Chosen by the bench, table "Tuning".
