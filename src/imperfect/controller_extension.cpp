@@ -38,7 +38,7 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
     if (!record.may_reach(seed, thresholds.score)) return false;
     PassedOver passed_over;
     if (!record.extend_and_accept(seed, thresholds, passed_over)) return false;
-    if (seed.events_pending) seed.missense.release();
+    seed.release_pending_events();
     return true;
   });
 }

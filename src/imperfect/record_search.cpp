@@ -14,7 +14,8 @@
 namespace vorlan {
 namespace {
 
-/// Alignments with more edits than this do not keep them. Chosen by the bench, table "Tuning".
+/// Alignments with more edits than this do not keep their events. Chosen by the bench, table
+/// "Tuning".
 constexpr std::uint32_t kMostNotedEdits = 64;
 
 std::size_t margin_of_planes(unsigned longest_unit) {

@@ -71,6 +71,11 @@ class Csat {
   /// Sorts `missense` by `lessThan_missense`.
   void sort_missense();
 
+  /// Gives the memory of `missense` back if its events are pending, so that it is of no more use.
+  void release_pending_events() {
+    if (events_pending) missense.release();
+  }
+
   /// Writes the entry of this repeat to `stream`, or nothing when its perfection is outside the
   /// requested range or its unit is a repetition of a shorter one. See output/report.h.
   void report_sat(std::FILE* stream, CSequence_Mol& sequence) const;

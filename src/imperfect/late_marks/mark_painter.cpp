@@ -55,7 +55,7 @@ void MarkPainter::accept(AcceptedRepeat repeat, const char* scan_position) {
   const char* end = repeat.sat->pos_right;
   if (!is_late_) {
     paint_stretch(repeat, begin, end);
-    return release_events(*repeat.sat);
+    return repeat.sat->release_pending_events();
   }
   waiting_events_ += repeat.sat->missense.size;
   repeats_.push_back(std::move(repeat));
@@ -76,14 +76,10 @@ void MarkPainter::finish() {
   for (const auto& [begin, stretch] : stretches_) {
     paint_stretch(repeats_[stretch.repeat], begin, stretch.end);
   }
-  for (const AcceptedRepeat& repeat : repeats_) release_events(*repeat.sat);
+  for (const AcceptedRepeat& repeat : repeats_) repeat.sat->release_pending_events();
   stretches_.clear();
   repeats_.clear();
   waiting_events_ = 0;
-}
-
-void MarkPainter::release_events(Csat& sat) {
-  if (sat.events_pending) sat.missense.release();
 }
 
 MarkPainter::Stretches::iterator MarkPainter::split_at(const char* position) {

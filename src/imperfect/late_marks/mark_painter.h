@@ -77,7 +77,6 @@ class MarkPainter {
   void cover(const char* begin, const char* end, std::size_t repeat);
   Stretches::iterator split_at(const char* position);
   void paint(const char* begin, const char* end);
-  static void release_events(Csat& sat);
   void paint_stretch(const AcceptedRepeat& repeat, const char* begin, const char* end);
   template <class Direction>
   void open_edits(const WaySegment& segment, const char* begin, const char* end);
