@@ -192,7 +192,7 @@ class Batch {
         return Reader<direction>(strip + direction * from, strip + direction * to, 0).read(has_N);
       });
     }
-    for (std::ptrdiff_t i = 0; i < size_; ++i) bases_[i] &= ~kN;
+    for (std::ptrdiff_t i = 0; i < size_; ++i) bases_[i] &= static_cast<Lane>(~kN);
   }
 
   // Moves the paths of a cell over a residue: `here` are those that are in it, at `base`. Returns
