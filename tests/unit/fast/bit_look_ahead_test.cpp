@@ -374,7 +374,8 @@ TYPED_TEST(BitLookAheadTest, WhatIsKeptForAllUnitsOfShortTextsIsWhatThePlainRecu
     for (const int depth : {1, 2}) {
       settings.maximum_recursion_depth = depth;
       reference::set_settings_of_the_product(settings);
-      for (const auto& [alphabet, longest_text] : {std::pair("AC", 8), std::pair("ACN", 6)}) {
+      for (const auto& [alphabet, longest_text] :
+           {std::pair("AC", std::size_t{8}), std::pair("ACN", std::size_t{6})}) {
         this->for_each_text(alphabet, longest_text - kShorter, [&](const std::string& text) {
           this->compare_moves_of_all_units(
               text, -depth * std::min(settings.mismatch_score, settings.indel_score) + 1);
