@@ -116,7 +116,7 @@ template <std::int32_t kWords, bool kMayFall>
 class Decision {
  public:
   Decision(const PlaceSetsPlan& plan, const DiagonalWords& differs, std::int32_t threshold)
-      : plan_(plan), differs_(differs), threshold_(threshold) {}
+      : plan_(plan), threshold_(threshold), differs_(differs) {}
 
   FirstEditChoice choose() {
     make_first_edits();
@@ -240,8 +240,8 @@ class Decision {
   }
 
   const PlaceSetsPlan plan_;
-  const DiagonalWords differs_;
   const std::int32_t threshold_;
+  const DiagonalWords differs_;
   PlaceSets sets_[kSide][kSide];  ///< Behind the last edits made.
   PlaceSets all_{};               ///< All places where walks have ended.
   /// The highest scores behind the first moves.
