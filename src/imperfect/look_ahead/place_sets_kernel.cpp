@@ -242,11 +242,11 @@ class Decision {
   const PlaceSetsPlan plan_;
   const std::int32_t threshold_;
   const DiagonalWords differs_;
-  PlaceSets sets_[kSide][kSide];  ///< Behind the last edits made.
-  PlaceSets all_{};               ///< All places where walks have ended.
   /// The highest scores behind the first moves.
   std::int32_t values_[kFirstMoves] = {kNoScore, kNoScore, kNoScore};
   bool goes_on_ = false;
+  PlaceSets sets_[kSide][kSide];  ///< Behind the last edits made.
+  PlaceSets all_{};               ///< All places where walks have ended.
 };
 
 template <std::int32_t kWords>
