@@ -60,14 +60,16 @@ struct PlaceSetsPlan {
 /// More edits are left to others: the sets grow with the square of them.
 inline constexpr std::int32_t kMostEditsOfSets = 7;
 
-/// How many words of 64 places a decision may look at.
+/// How many words of 64 places a decision may look at, to be tried in this order: in a satellite
+/// six of seven decisions need one word, and one of thirty more than two.
 inline constexpr std::int32_t kWordsOfSets[] = {1, 2, 4};
 inline constexpr std::int32_t kMostWordsOfSets = 4;
 
 /// Where the residues ahead differ from the unit: a bit for each place, the lowest for the nearest.
 /// `first` is the word of the first 64 places on diagonal 0, between those of the diagonals from
 /// -`most_edits` to `most_edits`. Those of the next 64 places lie `distance` words further on, and
-/// so on: for `count` times 64 places, one of kWordsOfSets.
+/// so on: for `count` times 64 places, one of kWordsOfSets. The words belong to whoever made them,
+/// DiagonalMasks in a search.
 struct DiagonalWords {
   const std::uint64_t* first;
   std::ptrdiff_t distance;
